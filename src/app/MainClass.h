@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QMap>
+#include <QString>
+
+class QProgressBar;
+class clerk;
+class mapshow;
+class service_block;
+struct part;
+
+namespace Ui {
+class MainClass;
+}
+
+// The main window. It creates every window of the program, finds the
+// register fields by their widgets' object names, binds the editing widgets
+// to change_Value and owns the operation cycle of the toolbar commands.
+class MainClass : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainClass(QWidget* parent = nullptr);
+    // The same with another set of windows beside the main window and the
+    // service panel, as tests build it.
+    MainClass(const QMap<QString, QWidget*>& windowSet, QWidget* parent);
+    ~MainClass() override;
+
+    service_block* service = nullptr;
+    QMap<QString, QWidget*> windows;
+    QMap<QString, part*> outputs;
+    QMap<QString, mapshow*> maps;
+    QString lastPath;
+    clerk* worker = nullptr;
+    QProgressBar* progressBar = nullptr;
+
+    // The first register map, which all map-wide operations serve.
+    mapshow* firstMap() const;
+    // A widget of any window by its object name; the main window is searched
+    // first.
+    QWidget* findWidget(const QString& objectName) const;
+
+public slots:
+    void change_Value(int val);
+    bool eventFilter(QObject* object, QEvent* event) override;
+    void on_action_ExpertMode_triggered();
+    void on_action_load_default_triggered();
+    void on_action_GUIFILE_triggered();
+    void on_action_FILEGUI_triggered();
+    void on_action_FILEIC_triggered();
+    void on_action_GUIIC_triggered();
+    void on_action_ICGUI_triggered();
+    void on_Button_ICFILE_clicked();
+    void Button_open_window_clicked();
+    void slotMapWindow();
+    void error_message(QString m);
+
+private:
+    static QMap<QString, QWidget*> createWindows();
+    void scanWindows();
+    void setDefaultState();
+    void toggleWindow(QWidget* window);
+    static void showModal(const QString& text);
+
+    Ui::MainClass* ui;
+};
+
+// The window title after a load of the defaults or of a file.
+extern const char* const kWindowTitle;

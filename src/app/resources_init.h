@@ -1,0 +1,4 @@
+#pragma once
+
+// Registers the pictures and the translation that the static library embeds.
+void zvInitResources();

@@ -1,0 +1,165 @@
+#include "mapshow.h"
+#include "part.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPixmap>
+#include <QRadioButton>
+#include <QSpinBox>
+
+// Moving a field's value between its widget and an image. Widget classes are
+// told apart by the class name of their meta-object.
+
+namespace {
+
+enum class Kind { Check, Combo, Spin, DoubleSpin, Label, LineEdit, Other };
+
+Kind kindOf(const QObject* w)
+{
+    const QLatin1String cls(w->metaObject()->className());
+    auto is = [&](const char* name) { return cls.compare(QLatin1String(name), Qt::CaseInsensitive) == 0; };
+    if (is("QCheckBox") || is("QRadioButton"))
+        return Kind::Check;
+    if (is("QComboBox"))
+        return Kind::Combo;
+    if (is("QSpinBox"))
+        return Kind::Spin;
+    if (is("QDoubleSpinBox"))
+        return Kind::DoubleSpin;
+    if (is("QLabel"))
+        return Kind::Label;
+    if (is("QLineEdit"))
+        return Kind::LineEdit;
+    return Kind::Other;
+}
+
+quint32 invert(const part& p, quint32 value)
+{
+    return p.inverted ? (value == 0 ? 1u : 0u) : value;
+}
+
+} // namespace
+
+// The field's code in an image: the last bit of the last segment is the
+// least significant.
+quint32 mapshow::fieldImageValue(const part& p, const quint8* image) const
+{
+    quint32 value = 0;
+    quint32 weight = 1;
+    for (int i = p.positions.size() - 1; i >= 0; --i) {
+        const qint32 w = qint32(p.widths.value(i));
+        for (qint32 b = 0; b < w; ++b) {
+            if (getBit(image, qint32(p.positions.at(i)) + w - 1 - b))
+                value += weight;
+            weight <<= 1;
+        }
+    }
+    return value;
+}
+
+quint32 mapshow::getPartValue(const QString& fieldKey)
+{
+    const part* p = parts.value(fieldKey);
+    if (!p || !p->widget)
+        return 0;
+    QObject* w = p->widget;
+    qint64 value = 0;
+    switch (kindOf(w)) {
+    case Kind::Check:
+        value = static_cast<QAbstractButton*>(w)->isChecked() ? 1 : 0;
+        break;
+    case Kind::Combo:
+        value = static_cast<QComboBox*>(w)->currentIndex();
+        // A code for which the list has no item leaves the box without a
+        // current item; the image keeps the code it has.
+        if (value < 0)
+            return fieldImageValue(*p, guiImage);
+        break;
+    case Kind::Spin: {
+        auto* box = static_cast<QSpinBox*>(w);
+        value = box->value();
+        if (value < 0)
+            value = 0;
+        const qint64 limit = p->width >= 32 ? qint64(0xFFFFFFFFu) : (qint64(1) << p->width) - 1;
+        if (value > limit) {
+            value = limit;
+            box->setValue(int(qMin<qint64>(limit, 2147483647)));
+        }
+        break;
+    }
+    case Kind::DoubleSpin:
+        value = qint64(static_cast<QDoubleSpinBox*>(w)->value());
+        break;
+    case Kind::Label:
+    case Kind::LineEdit:
+    case Kind::Other:
+        value = 0;
+        break;
+    }
+    return invert(*p, quint32(value));
+}
+
+void mapshow::setPartValue(const QString& fieldKey, const quint8* image)
+{
+    const part* p = parts.value(fieldKey);
+    if (!p || !p->widget || !image)
+        return;
+    const quint32 value = invert(*p, fieldImageValue(*p, image));
+    QObject* w = p->widget;
+    switch (kindOf(w)) {
+    case Kind::Check:
+        static_cast<QAbstractButton*>(w)->setChecked(value != 0);
+        break;
+    case Kind::Combo:
+        static_cast<QComboBox*>(w)->setCurrentIndex(int(value));
+        break;
+    case Kind::Spin:
+        static_cast<QSpinBox*>(w)->setValue(int(value));
+        break;
+    case Kind::DoubleSpin:
+        static_cast<QDoubleSpinBox*>(w)->setValue(value);
+        break;
+    case Kind::Label: {
+        auto* label = static_cast<QLabel*>(w);
+        if (p->width < 2) {
+            label->setPixmap(QPixmap(value ? QStringLiteral(":/Bulb-good.png") : QStringLiteral(":/Bulb-bad.png")));
+            if (!label->isEnabled())
+                label->setPixmap(QPixmap(QStringLiteral(":/Bulb-disabled.png")));
+        } else {
+            label->setText(QString::number(value));
+        }
+        break;
+    }
+    case Kind::LineEdit:
+        static_cast<QLineEdit*>(w)->setText(QString::number(value));
+        break;
+    case Kind::Other:
+        break;
+    }
+}
+
+quint32 mapshow::applyPartToImage(const QString& fieldKey)
+{
+    const part* p = parts.value(fieldKey);
+    if (!p)
+        return 0;
+    const quint32 result = getPartValue(fieldKey);
+    quint32 value = result;
+    for (int i = p->positions.size() - 1; i >= 0; --i) {
+        const qint32 w = qint32(p->widths.value(i));
+        for (qint32 b = 0; b < w; ++b) {
+            const qint32 position = qint32(p->positions.at(i)) + w - 1 - b;
+            const int bit = int(value & 1u);
+            if (getBit(guiImage, position) != bit) {
+                setBit(guiImage, position, bit);
+                if (viewModel)
+                    viewModel->bitChanged(position);
+            }
+            value >>= 1;
+        }
+    }
+    return result;
+}

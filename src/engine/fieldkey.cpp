@@ -1,0 +1,75 @@
+#include "mapshow.h"
+#include "part.h"
+
+#include <QStringList>
+
+// Field names are read from the end: [mark] width position chip words... "ZV".
+part* mapshow::ParseObjName(const QString& name)
+{
+    if (name.isEmpty())
+        return nullptr;
+    const QStringList tokens = name.split(QLatin1Char('_'));
+    if (tokens.first() != QLatin1String("ZV"))
+        return nullptr;
+
+    int cursor = tokens.size() - 1;
+    const bool inverted = tokens.at(cursor).contains(QLatin1Char('I'));
+    if (inverted)
+        --cursor;
+    // Behind "ZV" there must be at least one word, the chip word, a position
+    // and a width.
+    if (cursor - 3 < 1)
+        return nullptr;
+
+    part* p = new part;
+    p->inverted = inverted;
+    const QString& widthToken = tokens.at(cursor);
+    p->joined = widthToken.contains(QLatin1Char('p'));
+    const QStringList widthPieces = widthToken.split(QLatin1Char('p'));
+    for (const QString& piece : widthPieces) {
+        const quint32 w = piece.toUInt(nullptr, 10);
+        p->widths.append(w);
+        p->width += static_cast<qint32>(w);
+    }
+    const QStringList positionPieces = tokens.at(cursor - 1).split(QLatin1Char('p'));
+    p->position = positionPieces.first().toInt(nullptr, 10);
+    for (const QString& piece : positionPieces)
+        p->positions.append(piece.toUInt(nullptr, 10));
+
+    const int chipIndex = cursor - 2;
+    p->chip = tokens.at(chipIndex);
+    p->name = tokens.mid(1, chipIndex).join(QLatin1Char('_'));
+    return p;
+}
+
+QString buildToolTip(const part& p)
+{
+    QString text;
+    const int segments = qMin(p.positions.size(), p.widths.size());
+    for (int i = 0; i < segments; ++i) {
+        if (p.widths.at(i) == 0)
+            continue;
+        const qint64 s = p.positions.at(i);
+        const qint64 e = s + p.widths.at(i) - 1;
+        qint64 c = s;
+        while (c / 8 <= e / 8) {
+            QString closing;
+            qint64 low;
+            if (c == e) {
+                closing = QStringLiteral(">");
+                low = e % 8;
+            } else if (c / 8 == e / 8) {
+                closing = QStringLiteral("-D") + QString::number(7 - e % 8) + QLatin1Char('>');
+                low = c % 8;
+            } else {
+                low = c % 8;
+                closing = low == 7 ? QStringLiteral(">") : QStringLiteral("-D0>");
+            }
+            text += QStringLiteral("Reg") + QString::number(c / 8) + QStringLiteral(" <D")
+                    + QString::number(7 - low) + closing + QLatin1Char(',');
+            c = c - c % 8 + 8;
+        }
+        text.chop(1);
+    }
+    return text;
+}

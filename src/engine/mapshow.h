@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+#include <QWidget>
+
+struct part;
+
+namespace Ui {
+class mapshow;
+}
+
+// Who shows a bit: the field's widget and the bit's label within its field.
+struct BitOwner
+{
+    QObject* widget = nullptr;
+    QString label;
+};
+
+// What a table model of the map window keeps of the images: the old copies
+// that mark the bits changed by the last operation, and the cells it repaints
+// when a bit of guiImage changes.
+class ImageViewModel
+{
+public:
+    virtual ~ImageViewModel() = default;
+    // Copy live image `index` (0 gui, 1 ic, 2 cfg) into its old copy.
+    virtual void dropOld(int index) = 0;
+    // A bit of guiImage has changed: report the cells that show it.
+    virtual void bitChanged(int position) = 0;
+};
+
+// The register map window and the owner of the three register images.
+// Bit position p is bit D(7 - p % 8) of register p / 8; a run of bits keeps
+// its most significant bit at its lowest position, across register borders.
+class mapshow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    mapshow(const QString& chipName, quint32 registerCount, QWidget* parent = nullptr);
+    ~mapshow() override;
+
+    quint32 registerCount = 0;
+    quint32 bitsPerRegister = 8;
+    quint8* guiImage = nullptr; // what the widgets edit
+    quint8* icImage = nullptr;  // what the chip last gave
+    quint8* cfgImage = nullptr; // what a file last gave
+    QMap<QString, part*> parts;
+    QMap<qint32, BitOwner> bitOwners;
+    QString chipName;
+
+    // The table model in use, if any; the map window's view side sets it.
+    ImageViewModel* viewModel = nullptr;
+
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+public slots:
+    static part* ParseObjName(const QString& name);
+
+    int getBit(const quint8* image, qint32 position) const;
+    void setBit(quint8* image, qint32 position, int value);
+    quint32 getBrim(qint32 position, qint32 width) const;
+    void setBrim(qint32 position, qint32 width, quint32 value);
+    bool isBrimChanged(qint32 position, qint32 width) const;
+    void dropOldGUI();
+    void dropOldIC();
+    void dropOldCfg();
+
+    quint32 getPartValue(const QString& fieldKey);
+    void setPartValue(const QString& fieldKey, const quint8* image);
+    quint32 applyPartToImage(const QString& fieldKey);
+
+    void refreshRegisterView();
+    void on_spinBox_font_size_valueChanged(int);
+    void on_spinBox_column_num_valueChanged(int);
+
+private:
+    quint32 runValue(const quint8* image, qint32 position, qint32 width) const;
+    quint32 fieldImageValue(const part& p, const quint8* image) const;
+    void dropOld(int index);
+    void setUpView();
+
+    Ui::mapshow* ui = nullptr;
+};

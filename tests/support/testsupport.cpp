@@ -1,0 +1,25 @@
+#include "testsupport.h"
+
+#include "resources_init.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+ModalCatcher::ModalCatcher(QObject* parent) : QObject(parent)
+{
+    connect(&timer, &QTimer::timeout, this, &ModalCatcher::poll);
+    timer.start(5);
+}
+
+void ModalCatcher::poll()
+{
+    if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+        texts.append(box->text());
+        box->done(0);
+    }
+}
+
+void zvTestInit()
+{
+    zvInitResources();
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+
+// Closes every modal message box that comes up while it lives and keeps the
+// texts, so that tests can run code that asks the user.
+class ModalCatcher : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ModalCatcher(QObject* parent = nullptr);
+    QStringList texts;
+
+private slots:
+    void poll();
+
+private:
+    QTimer timer;
+};
+
+// Sets up the embedded resources and the offscreen platform's translator
+// once per test program.
+void zvTestInit();

@@ -95,4 +95,24 @@
         <translation>Size</translation>
     </message>
 </context>
+<context>
+    <name>clerk</name>
+    <message>
+        <source>Отсутствует карта регистров</source>
+        <translation>Regmap not defined</translation>
+    </message>
+    <message>
+        <source>Неожиданная команда</source>
+        <translation>Unexpected error</translation>
+    </message>
+    <message>
+        <source>Недокументированная 
+комбинация флагов</source>
+        <translation>Unexpected command</translation>
+    </message>
+    <message>
+        <source>.hex file is not available</source>
+        <translation>".hex" file is not available</translation>
+    </message>
+</context>
 </TS>

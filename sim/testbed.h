@@ -1,0 +1,73 @@
+#pragma once
+
+#include "simulated_chip.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+
+namespace zvsim {
+
+// A bridge board as the bus shows it.
+struct BoardConfig
+{
+    uint16_t vendor = 0x2976;
+    uint16_t product = 0x0003;
+    uint8_t bus = 1;
+    uint8_t address = 5;
+    bool kernelDriver = false; // a driver holds interface 0
+};
+
+// One bulk transfer as it crossed the wire.
+struct WireFrame
+{
+    int board = 0;
+    bool out = false; // host to board
+    QByteArray bytes;
+};
+
+// Emulated USB bridge boards for the real libusb: a umockdev testbed with one
+// usbfs device node per board and a handler that plays the bridge and the
+// chip behind it. The process must run under umockdev-wrapper. The handler
+// runs on a thread of its own, so that a caller may block in libusb while the
+// board answers.
+class Testbed
+{
+public:
+    Testbed();
+    ~Testbed();
+    Testbed(const Testbed&) = delete;
+    Testbed& operator=(const Testbed&) = delete;
+
+    // True when the process runs under umockdev-wrapper.
+    static bool available();
+
+    int addBoard(const BoardConfig& config = BoardConfig());
+    void removeBoard(int board);
+    SimulatedChip& chip(int board);
+
+    // Faults, each for the given board.
+    void unplugAfter(int board, int transfers); // later transfers fail: no device
+    void stallNext(int board);                  // the next transfer stalls
+    void shortNext(int board, int bytes);       // the next IN transfer moves only this many bytes
+    void refuseClaim(int board, bool refuse);
+
+    int opens(int board) const;
+    int closes(int board) const;
+    int transfers(int board) const;
+    bool kernelDriverBound(int board) const;
+    int claims(int board) const;
+    int releases(int board) const;
+
+    QList<WireFrame> wireLog() const;
+    void clearWireLog();
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace zvsim

@@ -1,0 +1,289 @@
+#include "usb_link.h"
+
+#include <libusb.h>
+
+#include <QMap>
+
+#include <cstring>
+#include <vector>
+
+usb_link::usb_link() = default;
+
+QString usb_link::deviceKey(quint16 vendor, quint16 product, quint8 bus, quint8 address)
+{
+    return QString::number(vendor, 16) + QLatin1Char(' ') + QString::number(product, 16) + QLatin1Char(' ')
+           + QString::number(bus, 16) + QLatin1Char(' ') + QString::number(address, 16) + QLatin1Char(' ');
+}
+
+bool usb_link::scanDevices()
+{
+    QMutexLocker guard(&lock);
+    deviceList.clear();
+    if (libusb_init(nullptr) < 0)
+        return false;
+    libusb_device** list = nullptr;
+    const ssize_t n = libusb_get_device_list(nullptr, &list);
+    if (n < 0) {
+        libusb_exit(nullptr);
+        return false;
+    }
+    for (ssize_t i = 0; i < n; ++i) {
+        libusb_device_descriptor d;
+        if (libusb_get_device_descriptor(list[i], &d) < 0 || d.idVendor != kBridgeVendor)
+            continue;
+        deviceList.append(deviceKey(d.idVendor, d.idProduct, quint8(libusb_get_bus_number(list[i])),
+                                    quint8(libusb_get_device_address(list[i]))));
+    }
+    libusb_free_device_list(list, 1);
+    libusb_exit(nullptr);
+    return true;
+}
+
+// Opens the board named by selectedKey, or the only board when there is just
+// one, and claims its interface 0. Every false path releases what it took.
+bool usb_link::openDevice()
+{
+    lock.lock();
+    if (libusb_init(nullptr) < 0) {
+        lock.unlock();
+        return false;
+    }
+    libusb_device** list = nullptr;
+    const ssize_t n = libusb_get_device_list(nullptr, &list);
+    auto fail = [&]() {
+        if (list)
+            libusb_free_device_list(list, 1);
+        libusb_exit(nullptr);
+        lock.unlock();
+        return false;
+    };
+    if (n < 0) {
+        list = nullptr;
+        return fail();
+    }
+    handle = nullptr;
+    QMap<QString, libusb_device*> bridges;
+    for (ssize_t i = 0; i < n; ++i) {
+        libusb_device_descriptor d;
+        if (libusb_get_device_descriptor(list[i], &d) < 0)
+            return fail();
+        if (d.idVendor != kBridgeVendor)
+            continue;
+        bridges.insert(deviceKey(d.idVendor, d.idProduct, quint8(libusb_get_bus_number(list[i])),
+                                 quint8(libusb_get_device_address(list[i]))),
+                       list[i]);
+    }
+    libusb_device* chosen = nullptr;
+    if (bridges.contains(selectedKey))
+        chosen = bridges.value(selectedKey);
+    else if (bridges.size() == 1)
+        chosen = bridges.first();
+    if (!chosen) {
+        statusText = QStringLiteral("Refresh device list");
+        return fail();
+    }
+    if (libusb_open(chosen, &handle) != 0)
+        handle = nullptr;
+    libusb_free_device_list(list, 1);
+    list = nullptr;
+    if (!handle)
+        return fail();
+    if (libusb_kernel_driver_active(handle, 0) == 1)
+        libusb_detach_kernel_driver(handle, 0);
+    if (libusb_claim_interface(handle, 0) != 0) {
+        libusb_close(handle);
+        handle = nullptr;
+        return fail();
+    }
+    return true; // the lock stays held until closeDevice
+}
+
+void usb_link::closeDevice()
+{
+    libusb_release_interface(handle, 0);
+    libusb_close(handle);
+    handle = nullptr;
+    libusb_exit(nullptr);
+    lock.unlock();
+}
+
+int usb_link::bulkOut(quint8* data, int length)
+{
+    int transferred = 0;
+    const int rc = libusb_bulk_transfer(handle, kEndpointOut, data, length, &transferred, kTimeoutMs);
+    return rc == 0 ? transferred : -1;
+}
+
+int usb_link::bulkIn(quint8* data, int length)
+{
+    int transferred = 0;
+    const int rc = libusb_bulk_transfer(handle, kEndpointIn, data, length, &transferred, kTimeoutMs);
+    return rc == 0 ? transferred : -1;
+}
+
+int usb_link::bulkExchange(quint8* out, quint8* in, int length)
+{
+    bulkOut(out, length);
+    return bulkIn(in, length);
+}
+
+bool usb_link::exchange(quint8* out, quint8* in, int length)
+{
+    return bulkOut(out, length) == length && bulkIn(in, length) == length;
+}
+
+bool usb_link::singleRegister(int address, quint8 mark, quint8 data, quint8* reply)
+{
+    quint8 frame[5] = {frameType, 3, quint8((address >> 8) | mark), quint8(address & 0xFF), data};
+    std::memset(reply, 0, 5);
+    if (!openDevice())
+        return false;
+    const bool ok = exchange(frame, reply, 5);
+    closeDevice();
+    return ok;
+}
+
+bool usb_link::readRegister(int address, quint8* value)
+{
+    if (interfaceKind != 0)
+        return false;
+    quint8 reply[5];
+    if (!singleRegister(address, readFlag, 0, reply))
+        return false;
+    *value = reply[4];
+    return true;
+}
+
+bool usb_link::writeRegister(int address, const quint8* value)
+{
+    if (interfaceKind != 0)
+        return false;
+    quint8 reply[5];
+    return singleRegister(address, writeFlag, *value, reply);
+}
+
+int usb_link::elementAddress(const quint8* element) const
+{
+    return addressBytes == 1 ? element[0] : (element[0] << 8) | element[1];
+}
+
+// The elements are frames' worth of triples: ten to a full frame, then always
+// one last frame with the rest, which for a multiple of ten is the bare 15 00.
+// A read stores every answered value; a write copies the chip's answers back
+// over the values of the full frames only.
+bool usb_link::block(int count, quint8* elements, bool write)
+{
+    if (interfaceKind == 3) {
+        // The serial interface has no block protocol: each element goes to the
+        // single-register operation, which refuses it.
+        for (int i = 0; i < count; ++i) {
+            quint8* e = elements + i * elementSize();
+            write ? writeRegister(elementAddress(e), e + addressBytes) : readRegister(elementAddress(e), e + addressBytes);
+        }
+        return true;
+    }
+    if (interfaceKind != 0 || count < 0)
+        return false;
+    if (!openDevice())
+        return false;
+    const int perFrame = (frameSize - 2) / 3;
+    std::vector<quint8> out(static_cast<size_t>(frameSize)), in(static_cast<size_t>(frameSize));
+    std::vector<quint8> values(static_cast<size_t>(count));
+    std::vector<bool> answered(static_cast<size_t>(count), false);
+    bool ok = true;
+    int done = 0;
+    const quint8 mark = write ? writeFlag : readFlag;
+    while (ok) {
+        const int n = qMin(perFrame, count - done);
+        out[0] = frameType;
+        out[1] = quint8(n * 3);
+        for (int k = 0; k < n; ++k) {
+            const quint8* e = elements + (done + k) * elementSize();
+            const int address = elementAddress(e);
+            out[size_t(2 + 3 * k)] = quint8((address >> 8) | mark);
+            out[size_t(3 + 3 * k)] = quint8(address & 0xFF);
+            out[size_t(4 + 3 * k)] = write ? e[addressBytes] : 0;
+        }
+        const int length = 2 + 3 * n;
+        ok = exchange(out.data(), in.data(), length);
+        if (ok && (!write || n == perFrame))
+            for (int k = 0; k < n; ++k) {
+                values[size_t(done + k)] = in[size_t(4 + 3 * k)];
+                answered[size_t(done + k)] = true;
+            }
+        done += n;
+        if (n < perFrame)
+            break; // the last frame, full or empty, has gone
+    }
+    closeDevice();
+    if (!ok)
+        return false;
+    for (int i = 0; i < count; ++i)
+        if (answered[size_t(i)])
+            elements[i * elementSize() + addressBytes] = values[size_t(i)];
+    return true;
+}
+
+bool usb_link::readBlock(int count, quint8* elements)
+{
+    return block(count, elements, false);
+}
+
+bool usb_link::writeBlock(int count, quint8* elements)
+{
+    return block(count, elements, true);
+}
+
+bool usb_link::readAuto(int start, int count, quint8* buffer)
+{
+    if (interfaceKind != 0)
+        return false;
+    if (!openDevice())
+        return false;
+    const int perFrame = frameSize - 4;
+    std::vector<quint8> out(static_cast<size_t>(frameSize), 0), in(static_cast<size_t>(frameSize));
+    std::vector<quint8> values(static_cast<size_t>(qMax(count, 0)));
+    bool ok = true;
+    for (int done = 0; ok && done < count;) {
+        const int address = start + done;
+        const int n = qMin(count - done, perFrame);
+        out[0] = frameType;
+        out[1] = quint8(n + 2);
+        out[2] = quint8((address >> 8) | autoFlag | readFlag);
+        out[3] = quint8(address & 0xFF);
+        ok = exchange(out.data(), in.data(), 4 + n);
+        if (ok)
+            std::memcpy(values.data() + done, in.data() + 4, size_t(n));
+        done += n;
+    }
+    closeDevice();
+    if (!ok)
+        return false;
+    if (count > 0)
+        std::memcpy(buffer, values.data(), size_t(count));
+    return true;
+}
+
+bool usb_link::writeAuto(int start, int count, const quint8* data)
+{
+    if (interfaceKind != 0)
+        return false;
+    if (!openDevice())
+        return false;
+    const int perFrame = frameSize - 4;
+    std::vector<quint8> out(static_cast<size_t>(frameSize)), in(static_cast<size_t>(frameSize));
+    bool ok = true;
+    for (int done = 0; ok && done < count;) {
+        const int address = start + done;
+        const int n = qMin(count - done, perFrame);
+        out[0] = frameType;
+        out[1] = quint8(n + 2);
+        out[2] = quint8((address >> 8) | autoFlag | writeFlag);
+        out[3] = quint8(address & 0xFF);
+        std::memcpy(out.data() + 4, data + done, size_t(n));
+        ok = exchange(out.data(), in.data(), 4 + n);
+        done += n;
+    }
+    closeDevice();
+    return ok;
+}

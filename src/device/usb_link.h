@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QMutex>
+#include <QString>
+#include <QStringList>
+
+struct libusb_device_handle;
+
+// The USB transport to the bridge board. Every register operation is a whole
+// cycle of its own: libusb is initialised, the board found and opened, its
+// interface 0 claimed, the frames exchanged, and everything released again,
+// so no connection state survives between operations and a replugged board
+// needs no reconnect.
+//
+// A register has a 16-bit address and an 8-bit value. A frame is the type
+// byte 0x15, the payload length, and the payload: triples (address high with
+// the direction mark, address low, data) or, by autoincrement, one address
+// and up to 28 data bytes. A reply has the layout of its request.
+//
+// Operations from the service panel (GUI thread) and from the worker never
+// interleave on the device: each one holds the link's lock for its cycle.
+// A transfer that fails, times out or moves fewer bytes than asked ends the
+// operation with false, and the caller's buffers keep what they held.
+class usb_link
+{
+public:
+    usb_link();
+
+    quint8 spareCode1 = 0x13;
+    quint8 spareCode2 = 0x14;
+    quint8 frameType = 0x15;
+    quint8 writeFlag = 0x00;
+    quint8 readFlag = 0x80;
+    quint8 autoFlag = 0x40;
+    quint8 spareCode3 = 0x20;
+    quint8 spareCode4 = 0x21;
+    quint8 spareCode5 = 0x22;
+    quint8 spareCode6 = 0x23;
+    quint8 addressBytes = 2;
+    qint8 frameSize = 32;
+    quint16 vendorId = 0x2976;
+    quint16 productId = 0x0003;
+    QStringList deviceList;
+    QString statusText;
+    QString selectedKey;
+    libusb_device_handle* handle = nullptr;
+    int comSpeed = 0;
+    QString comPort;
+    qint32 interfaceKind = 0;
+
+    // The vendor identifier of every bridge board; the product may be any.
+    static constexpr quint16 kBridgeVendor = 0x2976;
+    static constexpr unsigned kTimeoutMs = 5000;
+    static constexpr unsigned char kEndpointOut = 0x02;
+    static constexpr unsigned char kEndpointIn = 0x81;
+
+    // "2976 3 1 a ": vendor, product, bus, address in lower-case hex, each
+    // followed by a blank.
+    static QString deviceKey(quint16 vendor, quint16 product, quint8 bus, quint8 address);
+
+    bool scanDevices();
+    bool openDevice();
+    void closeDevice();
+    int bulkOut(quint8* data, int length);
+    int bulkIn(quint8* data, int length);
+    int bulkExchange(quint8* out, quint8* in, int length);
+
+    bool readRegister(int address, quint8* value);
+    bool writeRegister(int address, const quint8* value);
+    bool readBlock(int count, quint8* elements);
+    bool writeBlock(int count, quint8* elements);
+    bool readAuto(int start, int count, quint8* buffer);
+    bool writeAuto(int start, int count, const quint8* data);
+
+private:
+    // One exchange of a frame of `length` bytes; true when both directions
+    // moved the whole frame.
+    bool exchange(quint8* out, quint8* in, int length);
+    bool singleRegister(int address, quint8 mark, quint8 data, quint8* reply);
+    bool block(int count, quint8* elements, bool write);
+    int elementSize() const { return addressBytes + 1; }
+    int elementAddress(const quint8* element) const;
+
+    QRecursiveMutex lock;
+};

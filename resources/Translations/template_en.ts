@@ -115,4 +115,83 @@
         <translation>".hex" file is not available</translation>
     </message>
 </context>
+<context>
+    <name>service_block</name>
+    <message>
+        <source>Поиск</source>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>Режим чтения</source>
+        <translation>Reading</translation>
+    </message>
+    <message>
+        <source>Режим записи</source>
+        <translation>Writting</translation>
+    </message>
+    <message>
+        <source>По одному регистру</source>
+        <translation>Separate registers</translation>
+    </message>
+    <message>
+        <source>Блоками</source>
+        <translation>Block</translation>
+    </message>
+    <message>
+        <source>С автоинкрементом</source>
+        <translation>Autoincrement</translation>
+    </message>
+    <message>
+        <source>Зациклить чтение (сек)</source>
+        <translation>Loop read (sec)</translation>
+    </message>
+    <message>
+        <source>Только изменения</source>
+        <translation>Changes only</translation>
+    </message>
+    <message>
+        <source>Вычитка после записи</source>
+        <translation>Interactive refresh</translation>
+    </message>
+    <message>
+        <source>Задержка записи/чтения (мс)</source>
+        <translation>Read/write pause (msec)</translation>
+    </message>
+    <message>
+        <source>Комментировать файл</source>
+        <translation>Add comments</translation>
+    </message>
+    <message>
+        <source>Дописывать файл</source>
+        <translation>Merge file</translation>
+    </message>
+    <message>
+        <source>Проверять версию конфига</source>
+        <translation>Check config version</translation>
+    </message>
+    <message>
+        <source>Сохранять статусные регистры</source>
+        <translation>Save status</translation>
+    </message>
+    <message>
+        <source>Сохранять сервисные регистры</source>
+        <translation>Save service</translation>
+    </message>
+    <message>
+        <source>Регистр №</source>
+        <translation>Register#</translation>
+    </message>
+    <message>
+        <source>Чтение</source>
+        <translation>Read</translation>
+    </message>
+    <message>
+        <source>Запись</source>
+        <translation>Write</translation>
+    </message>
+    <message>
+        <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;5 - не выбран интерфейс&lt;/p&gt;&lt;p&gt;6 - не удалось подключиться к устройству через libusb&lt;/p&gt;&lt;p&gt;7 - не существующий интерфейс (недостижимо)&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
+        <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;5 - no interface selected&lt;/p&gt;&lt;p&gt;6 - could not connect to the device through libusb&lt;/p&gt;&lt;p&gt;7 - interface does not exist (unreachable)&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
+    </message>
+</context>
 </TS>

@@ -49,6 +49,9 @@ MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, QWidget* parent)
     service = new service_block(nullptr);
     service->installEventFilter(this);
     windows.insert(QStringLiteral("service"), service);
+    // The panel's (hidden) chip-to-file button starts the main window's command.
+    if (auto* icfile = service->findChild<QPushButton*>(QStringLiteral("Button_ICFILE")))
+        connect(icfile, &QPushButton::clicked, this, &MainClass::on_Button_ICFILE_clicked);
 
     scanWindows();
     setDefaultState();

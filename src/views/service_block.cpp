@@ -1,10 +1,209 @@
 #include "service_block.h"
+#include "ui_service_block.h"
 
-service_block::service_block(QWidget* parent) : QWidget(parent)
+#include "usb_link.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QListView>
+#include <QMessageBox>
+#include <QSerialPortInfo>
+#include <QSpinBox>
+
+namespace {
+// Serial bridges: the FPGA board's and the STM32 board's vendors.
+constexpr quint16 kFpgaVendor = 0x2341;
+constexpr quint16 kStm32Vendor = 0x0483;
+} // namespace
+
+service_block::service_block(QWidget* parent) : QWidget(parent), ui(new Ui::service_block)
 {
-    setObjectName(QStringLiteral("service_block"));
+    ui->setupUi(this);
+    usb = new usb_link;
     setWindowTitle(QStringLiteral("Service settings"));
+    ui->flag_speedCom->hide();
+    ui->label_TB->hide();
+    ui->text_pause->setText(QStringLiteral("Read/write pause (ms)"));
+
+    const QList<QCheckBox*> bits = {ui->cbxRegByte7, ui->cbxRegByte6, ui->cbxRegByte5, ui->cbxRegByte4,
+                                    ui->cbxRegByte3, ui->cbxRegByte2, ui->cbxRegByte1, ui->cbxRegByte0};
+    for (QCheckBox* box : bits)
+        connect(box, &QCheckBox::stateChanged, this, &service_block::change_Value);
+
+    // Every flag control feeds the settings, from its start value on.
+    for (QObject* child : findChildren<QObject*>()) {
+        if (!child->objectName().contains(QLatin1String("flag")))
+            continue;
+        if (auto* check = qobject_cast<QCheckBox*>(child))
+            connect(check, &QCheckBox::stateChanged, this, &service_block::changeFlag);
+        else if (auto* combo = qobject_cast<QComboBox*>(child))
+            connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &service_block::changeFlag);
+        else if (auto* spin = qobject_cast<QSpinBox*>(child))
+            connect(spin, QOverload<int>::of(&QSpinBox::valueChanged), this, &service_block::changeFlag);
+        else
+            continue;
+        store(child);
+    }
+
+    for (QWidget* w : {static_cast<QWidget*>(ui->Button_ICFILE), static_cast<QWidget*>(ui->GrRWRegister),
+                       static_cast<QWidget*>(ui->flag_AutoPause), static_cast<QWidget*>(ui->flag_ReadStyle),
+                       static_cast<QWidget*>(ui->text_read), static_cast<QWidget*>(ui->flag_WriteStyle),
+                       static_cast<QWidget*>(ui->text_write), static_cast<QWidget*>(ui->flag_ServiceBits),
+                       static_cast<QWidget*>(ui->flag_StatusBits), static_cast<QWidget*>(ui->flag_ConfigCheck),
+                       static_cast<QWidget*>(ui->Info), static_cast<QWidget*>(ui->flag_RepeatRead)})
+        w->hide();
     resize(330, 300);
+
+    // Only the bridge boards have a protocol; the other interfaces stay out
+    // of sight.
+    auto* rows = qobject_cast<QListView*>(ui->flag_interfaceCheck->view());
+    for (int row = 1; row <= 4 && rows; ++row)
+        rows->setRowHidden(row, true);
+    ui->flag_interfaceCheck->setCurrentIndex(0);
+    if (ui->flag_currentInterface->count() == 0)
+        ui->flag_currentInterface->setCurrentIndex(0);
 }
 
-service_block::~service_block() = default;
+service_block::~service_block()
+{
+    delete usb;
+    delete ui;
+}
+
+// Enters a control's state under its key, the object name less "flag_". The
+// read/write pause is also the pause the worker waits between writes.
+void service_block::store(QObject* control)
+{
+    const QString key = control->objectName().mid(5);
+    int value = 0;
+    if (auto* check = qobject_cast<QCheckBox*>(control))
+        value = check->isChecked() ? 1 : 0;
+    else if (auto* combo = qobject_cast<QComboBox*>(control))
+        value = combo->currentIndex();
+    else if (auto* spin = qobject_cast<QSpinBox*>(control))
+        value = spin->value();
+    else
+        return;
+    settings[key] = value;
+    if (key == QLatin1String("PauseTimer"))
+        settings[QStringLiteral("writePause")] = value;
+}
+
+void service_block::changeFlag(int value)
+{
+    QObject* s = sender();
+    if (!s)
+        return;
+    store(s);
+    const QString name = s->objectName();
+    if (name.contains(QLatin1String("interfaceCheck")))
+        usb->interfaceKind = value;
+    if (name.contains(QLatin1String("flag_interfaceCheck"))) {
+        switch (value) {
+        case 0:
+            usb->scanDevices();
+            fillDevices(usb->deviceList);
+            usb->interfaceKind = 0;
+            break;
+        case 1:
+        case 2: {
+            usb->deviceList = serialPorts(value == 1 ? kFpgaVendor : kStm32Vendor);
+            usb->interfaceKind = value;
+            if (value == 1)
+                usb->comPort = ui->flag_currentInterface->currentText();
+            fillDevices(usb->deviceList);
+            usb->comSpeed = ui->flag_speedCom->currentText().toInt();
+            if (value == 1)
+                ui->flag_speedCom->setEnabled(true);
+            break;
+        }
+        default:
+            break;
+        }
+    }
+    if (name.contains(QLatin1String("flag_currentInterface"))) {
+        usb->selectedKey = ui->flag_currentInterface->currentText();
+        usb->comPort = ui->flag_currentInterface->currentText();
+    }
+    if (name.contains(QLatin1String("flag_speedCom")))
+        usb->comSpeed = ui->flag_speedCom->currentText().toInt();
+}
+
+QStringList service_block::serialPorts(quint16 vendor) const
+{
+    QStringList ports;
+    for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts())
+        if (port.vendorIdentifier() == vendor)
+            ports.append(port.portName());
+    return ports;
+}
+
+void service_block::fillDevices(const QStringList& devices)
+{
+    ui->flag_currentInterface->clear();
+    ui->flag_currentInterface->addItems(devices);
+    usb->selectedKey = ui->flag_currentInterface->currentText();
+}
+
+void service_block::on_search_interface_clicked()
+{
+    if (ui->flag_interfaceCheck->currentIndex() != 0)
+        return;
+    usb->scanDevices();
+    fillDevices(usb->deviceList);
+}
+
+void service_block::on_flag_currentInterface_currentIndexChanged(QString arg1)
+{
+    usb->selectedKey = arg1;
+}
+
+quint8 service_block::bitRowValue() const
+{
+    const QCheckBox* bits[8] = {ui->cbxRegByte0, ui->cbxRegByte1, ui->cbxRegByte2, ui->cbxRegByte3,
+                                ui->cbxRegByte4, ui->cbxRegByte5, ui->cbxRegByte6, ui->cbxRegByte7};
+    quint8 value = 0;
+    for (int b = 0; b < 8; ++b)
+        if (bits[b]->isChecked())
+            value = quint8(value | (1u << b));
+    return value;
+}
+
+// The bit boxes and the value box show one byte.
+void service_block::change_Value(int)
+{
+    QObject* s = sender();
+    if (s && s->objectName().contains(QLatin1String("cbxRegByte")))
+        ui->SpinRegisterValue->setValue(bitRowValue());
+}
+
+void service_block::on_SpinRegisterValue_valueChanged(int value)
+{
+    QCheckBox* bits[8] = {ui->cbxRegByte0, ui->cbxRegByte1, ui->cbxRegByte2, ui->cbxRegByte3,
+                          ui->cbxRegByte4, ui->cbxRegByte5, ui->cbxRegByte6, ui->cbxRegByte7};
+    for (int b = 0; b < 8; ++b)
+        bits[b]->setChecked(value & (1 << b));
+}
+
+void service_block::showInterfaceError(quint8 value)
+{
+    QMessageBox box;
+    box.setText(QStringLiteral("USB interface error ") + QString::number(value));
+    box.exec();
+}
+
+void service_block::on_ButtonReadRegister_clicked()
+{
+    quint8 value = 0;
+    if (usb->readRegister(ui->flag_RegisterNumber->value(), &value))
+        ui->SpinRegisterValue->setValue(value);
+    else
+        showInterfaceError(value);
+}
+
+void service_block::on_ButtonWriteRegister_clicked()
+{
+    const quint8 value = bitRowValue();
+    if (!usb->writeRegister(ui->flag_RegisterNumber->value(), &value))
+        showInterfaceError(value);
+}

@@ -6,8 +6,15 @@
 
 class usb_link;
 
-// The settings panel: owns the USB link and the map of settings that the
-// worker and the main window read.
+namespace Ui {
+class service_block;
+}
+
+// The settings panel ("Service settings"). It owns the USB link and the map
+// of settings that the worker and the main window read: every control whose
+// object name holds "flag" feeds the map under its name less "flag_". It also
+// chooses the interface and the board, and reads or writes one register by
+// number.
 class service_block : public QWidget
 {
     Q_OBJECT
@@ -18,4 +25,22 @@ public:
 
     QMap<QString, int> settings;
     usb_link* usb = nullptr;
+
+public slots:
+    void changeFlag(int value);
+    void on_ButtonReadRegister_clicked();
+    void on_ButtonWriteRegister_clicked();
+    void on_SpinRegisterValue_valueChanged(int value);
+    void change_Value(int);
+    void on_search_interface_clicked();
+    void on_flag_currentInterface_currentIndexChanged(QString arg1);
+
+private:
+    void store(QObject* control);
+    void fillDevices(const QStringList& devices);
+    QStringList serialPorts(quint16 vendor) const;
+    quint8 bitRowValue() const;
+    void showInterfaceError(quint8 value);
+
+    Ui::service_block* ui;
 };

@@ -311,7 +311,18 @@ Testbed::Testbed() : d(new Private)
 
 Testbed::~Testbed()
 {
-    g_main_loop_quit(d->loop);
+    // The quit runs on the server thread itself: a quit from here could come
+    // before the loop starts running and be lost.
+    GSource* stop = g_idle_source_new();
+    g_source_set_callback(
+        stop,
+        [](gpointer loop) -> gboolean {
+            g_main_loop_quit(static_cast<GMainLoop*>(loop));
+            return G_SOURCE_REMOVE;
+        },
+        d->loop, nullptr);
+    g_source_attach(stop, d->context);
+    g_source_unref(stop);
     g_thread_join(d->thread);
     for (auto& b : d->boards) {
         Private::dropCompleted(b.get());

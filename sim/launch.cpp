@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <csignal>
 #include <cstring>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -16,6 +17,18 @@
 #include <vector>
 
 extern char** environ;
+
+namespace {
+volatile sig_atomic_t childPid = 0;
+
+// An interrupt or termination of the launcher goes on to the program, which
+// ends as it would on its own; the launcher then tears the board down.
+void forward(int sig)
+{
+    if (childPid > 0)
+        kill(pid_t(childPid), sig);
+}
+} // namespace
 
 int main(int argc, char* argv[])
 {
@@ -47,6 +60,12 @@ int main(int argc, char* argv[])
         std::fprintf(stderr, "zvsim-launch: cannot start %s: %s\n", argv[1], std::strerror(errno));
         return 1;
     }
+    childPid = child;
+    struct sigaction action = {};
+    action.sa_handler = forward;
+    sigemptyset(&action.sa_mask);
+    for (int sig : {SIGINT, SIGTERM, SIGHUP})
+        sigaction(sig, &action, nullptr);
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }

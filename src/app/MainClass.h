@@ -42,6 +42,11 @@ public:
     // first.
     QWidget* findWidget(const QString& objectName) const;
 
+    // Chip to file, from the service panel's (hidden) button. A plain member
+    // rather than a slot: the button lives on the panel, so the main form's
+    // connection by name must not look for it.
+    void on_Button_ICFILE_clicked();
+
 public slots:
     void change_Value(int val);
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -52,7 +57,6 @@ public slots:
     void on_action_FILEIC_triggered();
     void on_action_GUIIC_triggered();
     void on_action_ICGUI_triggered();
-    void on_Button_ICFILE_clicked();
     void Button_open_window_clicked();
     void slotMapWindow();
     void error_message(QString m);

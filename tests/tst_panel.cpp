@@ -32,6 +32,7 @@ private slots:
     void bitRow();
     void registerButtons();
     void registerButtonsWithoutBoard();
+    void otherInterfacesOutOfReach();
     void englishTexts();
 
 private:
@@ -176,6 +177,22 @@ void tst_panel::registerButtonsWithoutBoard()
     QCOMPARE(child<QSpinBox>("SpinRegisterValue")->value(), 0x21);
     child<QPushButton>("ButtonWriteRegister")->click();
     QCOMPARE(catcher.texts, QStringList({"USB interface error 0", "USB interface error 33"}));
+}
+
+void tst_panel::otherInterfacesOutOfReach()
+{
+    // The arrow keys and the wheel on the closed box must not land on the
+    // hidden interfaces, which would cut the bench off the board unseen.
+    auto* kinds = child<QComboBox>("flag_interfaceCheck");
+    kinds->setFocus();
+    QTest::keyClick(kinds, Qt::Key_Down);
+    QTest::keyClick(kinds, Qt::Key_End);
+    QCOMPARE(kinds->currentIndex(), 0);
+    QWheelEvent wheel(QPointF(5, 5), kinds->mapToGlobal(QPoint(5, 5)), QPoint(), QPoint(0, -120), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(kinds, &wheel);
+    QCOMPARE(kinds->currentIndex(), 0);
+    QCOMPARE(panel->usb->interfaceKind, 0);
 }
 
 void tst_panel::englishTexts()

@@ -6,6 +6,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QListView>
+#include <QStandardItemModel>
 #include <QMessageBox>
 #include <QSerialPortInfo>
 #include <QSpinBox>
@@ -55,10 +56,16 @@ service_block::service_block(QWidget* parent) : QWidget(parent), ui(new Ui::serv
     resize(330, 300);
 
     // Only the bridge boards have a protocol; the other interfaces stay out
-    // of sight.
+    // of sight, and out of reach of the wheel and the arrow keys too, which
+    // walk past hidden rows but not past disabled ones.
     auto* rows = qobject_cast<QListView*>(ui->flag_interfaceCheck->view());
-    for (int row = 1; row <= 4 && rows; ++row)
-        rows->setRowHidden(row, true);
+    auto* items = qobject_cast<QStandardItemModel*>(ui->flag_interfaceCheck->model());
+    for (int row = 1; row <= 4; ++row) {
+        if (rows)
+            rows->setRowHidden(row, true);
+        if (items && items->item(row))
+            items->item(row)->setEnabled(false);
+    }
     ui->flag_interfaceCheck->setCurrentIndex(0);
     if (ui->flag_currentInterface->count() == 0)
         ui->flag_currentInterface->setCurrentIndex(0);

@@ -110,15 +110,15 @@ void usb_link::closeDevice()
 int usb_link::bulkOut(quint8* data, int length)
 {
     int transferred = 0;
-    const int rc = libusb_bulk_transfer(handle, kEndpointOut, data, length, &transferred, kTimeoutMs);
-    return rc == 0 ? transferred : -1;
+    lastTransferResult = libusb_bulk_transfer(handle, kEndpointOut, data, length, &transferred, kTimeoutMs);
+    return transferred;
 }
 
 int usb_link::bulkIn(quint8* data, int length)
 {
     int transferred = 0;
-    const int rc = libusb_bulk_transfer(handle, kEndpointIn, data, length, &transferred, kTimeoutMs);
-    return rc == 0 ? transferred : -1;
+    lastTransferResult = libusb_bulk_transfer(handle, kEndpointIn, data, length, &transferred, kTimeoutMs);
+    return transferred;
 }
 
 int usb_link::bulkExchange(quint8* out, quint8* in, int length)
@@ -127,9 +127,13 @@ int usb_link::bulkExchange(quint8* out, quint8* in, int length)
     return bulkIn(in, length);
 }
 
+// One frame out and its reply in, both whole and without a libusb error
+// (a reply longer than asked is an overflow error with a full count).
 bool usb_link::exchange(quint8* out, quint8* in, int length)
 {
-    return bulkOut(out, length) == length && bulkIn(in, length) == length;
+    if (bulkOut(out, length) != length || lastTransferResult != 0)
+        return false;
+    return bulkIn(in, length) == length && lastTransferResult == 0;
 }
 
 bool usb_link::singleRegister(int address, quint8 mark, quint8 data, quint8* reply)

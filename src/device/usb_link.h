@@ -47,6 +47,8 @@ public:
     int comSpeed = 0;
     QString comPort;
     qint32 interfaceKind = 0;
+    // The libusb result of the last bulk transfer (0 when it went through).
+    int lastTransferResult = 0;
 
     // The vendor identifier of every bridge board; the product may be any.
     static constexpr quint16 kBridgeVendor = 0x2976;

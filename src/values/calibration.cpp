@@ -1,11 +1,18 @@
 #include "tables.h"
 
-// These four tables stand in for measured calibration data of the chip. Only
-// some entries are known (every 64th gain, every 32nd channel D gain, every
-// 16th channel D cut-off, the ends, and where the extremes stand); the others
-// were filled by linear interpolation between the known entries, rounded to
-// the table's decimals, with the ripple of the flat ends of ifaGainDb and the
-// falls of chdIfaGainDb at each multiple of 32 laid in as the chip shows them.
+// These four tables stand in for measured calibration data of the chip; the
+// values shown from them are not measurements. Known are every 64th entry of
+// the two IF gain tables, every 32nd of the channel D gain, every 16th of the
+// channel D cut-off, the ends, and where the extremes stand. The others were
+// filled as follows, rounded to each table's decimals:
+// - ifaGainDb: linear between the known entries, with an invented ripple of
+//   up to 0.2 dB laid over the flat ends (codes 1 to 249 and 770 to 1022) so
+//   that they do not rise steadily, the lowest gain 1.2 dB put at code 100,
+//   and the highest, 59.5 dB, at codes 975 and 1021;
+// - ifaGainPercent and chdLpfCutoff: linear between the known entries;
+// - chdIfaGainDb: linear within each run of 32 codes, ending each run an
+//   invented 0.45 to 0.61 dB above the next run's known start, which gives
+//   the fall at every multiple of 32.
 // Replace them by the measured tables when those are at hand: the rules only
 // index them.
 

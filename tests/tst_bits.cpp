@@ -23,7 +23,6 @@ private slots:
     void setBrimWritesOnlyTheRun();
     void brimChanged_data();
     void brimChanged();
-    void sizes();
 
 private:
     mapshow* map = nullptr;
@@ -148,18 +147,6 @@ void tst_bits::brimChanged()
     if (flipBit >= 0)
         map->setBit(map->guiImage, flipBit, 1 - map->getBit(map->guiImage, flipBit));
     QTEST(map->isBrimChanged(position, width), "changed");
-}
-
-void tst_bits::sizes()
-{
-    QCOMPARE(map->registerCount, 291u);
-    QCOMPARE(map->bitsPerRegister, 8u);
-    for (quint32 r = 0; r < map->registerCount; ++r) {
-        QCOMPARE(int(map->guiImage[r]), 0);
-        QCOMPARE(int(map->icImage[r]), 0);
-        QCOMPARE(int(map->cfgImage[r]), 0);
-    }
-    QCOMPARE(map->windowTitle(), QStringLiteral("ZV4280v2"));
 }
 
 QTEST_MAIN(tst_bits)

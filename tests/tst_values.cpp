@@ -220,6 +220,9 @@ void tst_values::displays_data()
     QTest::newRow("LS phase centre") << "ChD_Flo=2000000;ChD_QF_S_scale=3" << "ChD_QF_LS_shift" << 64 << "90.00°";
     QTest::newRow("LS phase, high scale") << "ChD_Flo=2000000;ChD_QF_S_scale=0" << "ChD_QF_LS_shift" << 0 << "81.20°";
     QTest::newRow("LS phase, low scale") << "ChD_Flo=1500000;ChD_QF_S_scale=0" << "ChD_QF_LS_shift" << 0 << "84.10°";
+    // -56 * 9.8f rounds in single precision to -548.79999; in double it would end on 81.42.
+    QTest::newRow("LS phase, single-precision product") << "ChD_Flo=1500000;ChD_QF_S_scale=2" << "ChD_QF_LS_shift" << 8
+                                                         << "81.43°";
     QTest::newRow("RF gain FM") << "ChD_Flo=100000" << "ChD_LNA_AGC_PST" << 0 << "-15.80dB";
     QTest::newRow("RF gain S 14") << "ChD_Flo=2000000" << "ChD_LNA_AGC_PST" << 14 << "18.10dB";
     QTest::newRow("RF gain S 15") << "ChD_Flo=2000000" << "ChD_LNA_AGC_PST" << 15 << "18.10dB";

@@ -429,7 +429,10 @@ void MainClass::change_Value(int val)
         const quint32 flo = r.value(QStringLiteral("ChD_Flo"));
         const quint32 scale = qMin<quint32>(r.value(QStringLiteral("ChD_QF_S_scale")), 3);
         const float s = flo > 1820000u ? chdQfScaleHigh[scale] : chdQfScaleLow[scale];
-        const double phase = (double(fieldValue) - 64) * s * 0.015625 + 90.0;
+        // The code less 64 times the single-precision scale is a product in
+        // single precision; the rest is worked out in double.
+        const float scaled = float(int(fieldValue) - 64) * s;
+        const double phase = double(scaled) * 0.015625 + 90.0;
         r.show(fixed(phase, 2) + QStringLiteral("°"));
     }
     if (r.is("ChD_QF_UHF_shift"))

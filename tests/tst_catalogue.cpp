@@ -6,20 +6,15 @@
 
 #include <QtTest>
 
-#include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
 #include <QGroupBox>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QLabel>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QSpinBox>
-
-#include <memory>
 
 // Every window built as the program builds it, compared with the register
 // catalogue kept under tests/data.
@@ -27,266 +22,139 @@ class tst_catalogue : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void fields();
-    void displays();
-    void groups();
-    void bits();
-    void outputs();
-    void defaultState();
-    void windowButtons_data();
-    void windowButtons();
-    void bulbsOpenDocks_data();
-    void bulbsOpenDocks();
-    void names();
-
-private:
-    QJsonArray catalogueFields;
-    QJsonArray catalogueDisplays;
+    QJsonObject catalogue;
     MainClass* main = nullptr;
     mapshow* map = nullptr;
+
+private slots:
+    void initTestCase()
+    {
+        zvTestInit();
+        QFile file(QStringLiteral(ZV_TEST_DATA "/register_catalogue.json"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        catalogue = QJsonDocument::fromJson(file.readAll()).object();
+        QCOMPARE(catalogue.value("fields").toArray().size(), 618);
+        QCOMPARE(catalogue.value("expressions").toArray().size(), 103);
+        ModalCatcher catcher;
+        main = new MainClass;
+        QVERIFY2(catcher.texts.isEmpty(), qPrintable(catcher.texts.join(", ")));
+        QCOMPARE(main->maps.size(), 1);
+        map = main->firstMap();
+    }
+
+    void cleanupTestCase() { delete main; }
+
+    void fields()
+    {
+        const QMap<QString, QString> classOfKind = {{"check", "QCheckBox"}, {"combo", "QComboBox"},
+            {"spin", "QSpinBox"}, {"lamp", "QLabel"}, {"read", "QLineEdit"}};
+        QCOMPARE(map->parts.size(), 618);
+        for (const QJsonValue& v : catalogue.value("fields").toArray()) {
+            const QJsonObject f = v.toObject();
+            const QString key = f.value("name").toString() + "_ZV4280v2";
+            const part* p = map->parts.value(key);
+            QVERIFY2(p, qPrintable(key));
+            auto* w = static_cast<QWidget*>(p->widget);
+            const int reg = f.value("reg").toInt(), msb = f.value("msb").toInt();
+            QCOMPARE(w->objectName(), QStringLiteral("ZV_%1_%2_%3%4").arg(key).arg(f.value("position").toInt())
+                                          .arg(f.value("width").toInt()).arg(f.value("inverted").toBool() ? "_I" : ""));
+            QCOMPARE(QString(w->metaObject()->className()), classOfKind.value(f.value("kind").toString()));
+            QCOMPARE(p->position, reg * 8 + 7 - msb);
+            QCOMPARE(p->width, f.value("width").toInt());
+            QCOMPARE(p->inverted, f.value("inverted").toBool());
+            QVERIFY2(main->windows.value(f.value("form").toString(), main)->isAncestorOf(w), qPrintable(key));
+            if (auto* combo = qobject_cast<QComboBox*>(w)) {
+                QJsonArray items;
+                for (int i = 0; i < combo->count(); ++i)
+                    items << combo->itemText(i);
+                QCOMPARE(QJsonValue(items), f.value("items"));
+            }
+            if (auto* spin = qobject_cast<QSpinBox*>(w)) // the binding keeps the field's bound
+                QCOMPARE(spin->maximum(), 2147483647);
+            QCOMPARE(w->toolTip(), buildToolTip(*p));
+            QVERIFY2(w->toolTip().startsWith(QStringLiteral("Reg%1 <D%2").arg(reg).arg(msb)), qPrintable(key));
+            const QGroupBox* box = nullptr;
+            for (QObject* o = w->parent(); o && !box; o = o->parent())
+                box = qobject_cast<QGroupBox*>(o);
+            if (!f.value("group").toString().isEmpty())
+                QCOMPARE(box ? box->title() : "(no group box)", f.value("group").toString());
+        }
+        for (const auto& n : QList<QPair<QString, QString>>{{"GrMoreEnable_A", "Block enable"}, {"GrMoreLPF_A", "LPF"},
+                 {"GrMoreChanel_A", "Channel"}, {"GrSChD1", "+"}, {"GrMoreEnable_D", "Block Enable"},
+                 {"GrChDMode", "Chanel D Packet Mode Enables"}, {"GR_ChDESS", "ChD"}}) {
+            auto* box = qobject_cast<QGroupBox*>(main->findWidget(n.first));
+            QCOMPARE(box ? box->title() : "(no group box " + n.first + ")", n.second);
+        }
+        QCOMPARE(map->registerCount, 291u);
+        QVector<QString> owner(int(map->registerCount) * 8);
+        for (auto it = map->parts.cbegin(); it != map->parts.cend(); ++it)
+            for (int b = 0; b < it.value()->width; ++b) {
+                QString& o = owner[it.value()->position + b];
+                QVERIFY2(o.isEmpty(), qPrintable(it.key() + " shares a bit with " + o));
+                o = it.key();
+            }
+        QCOMPARE(owner.size() - owner.count(QString()), 1714);
+        QCOMPARE(map->bitOwners.size(), 1714);
+    }
+
+    void displaysAndOutputs()
+    {
+        for (const QJsonValue& v : catalogue.value("expressions").toArray()) {
+            const QString name = v.toObject().value("key").toString(), key = name.left(name.indexOf("_Expression"));
+            auto* edit = qobject_cast<QLineEdit*>(main->findWidget(name));
+            QVERIFY2(edit && edit->isReadOnly(), qPrintable(name));
+            const part* p = map->parts.value(key);
+            QVERIFY2(p && qobject_cast<QSpinBox*>(p->widget), qPrintable(key));
+            QCOMPARE(edit->parent(), p->widget->parent());
+            QCOMPARE(edit->toolTip(), buildToolTip(*p));
+            QVERIFY2(main->outputs.contains(key) && main->outputs[key]->widget == edit, qPrintable(key));
+        }
+        QMap<QString, int> kinds;
+        for (const part* p : qAsConst(main->outputs))
+            ++kinds[p->widget->objectName().endsWith("_Expression") ? "display" : p->widget->metaObject()->className()];
+        QCOMPARE(kinds, (QMap<QString, int>{{"display", 103}, {"QLabel", 32}, {"QLineEdit", 46}}));
+    }
+
+    void defaultState()
+    {
+        for (const QString key : {"ChA_LNA1_EN_st", "ChA_AAD_WORK", "ChB_AAD_WORK", "ChC_LNA1_EN_st", "ChD_IFA_I_GCst"})
+            QVERIFY2(static_cast<QWidget*>(map->parts.value(key + "_ZV4280v2")->widget)->isHidden(), qPrintable(key));
+        for (const char* name : {"ChD_IFA_I_GCLabelG", "ChD_IFA_Q_GCLabelG", "ChD_IFA_I_GCstLabelG",
+                                 "ChD_IFA_Q_GCstLabelG", "ButtonGrSChA", "ButtonGrSChD", "ButtonGrGenServ"})
+            QVERIFY2(main->findWidget(name) && main->findWidget(name)->isHidden(), name);
+        QVERIFY(!main->findWidget("ZV_TS_code_ZV4280v2_38_10")->isEnabled());
+        QCOMPARE(static_cast<QSpinBox*>(main->findWidget("ZV_PLL_CDiv_ZV4280v2_88_8"))->minimum(), 4);
+        QVERIFY(!main->findWidget("ButtonGrAllSS")->isHidden());
+    }
+
+    void windowsOpenAndClose()
+    {
+        for (const auto& c : QList<QPair<QString, QString>>{{"ButtonGrSChA", "GrSChA"}, {"ButtonGrSChB", "GrSChB"},
+             {"ButtonGrSChC", "GrSChC"}, {"ButtonGrSChD", "GrSChD"}, {"ButtonGrGenServ", "GrGenServ"},
+             {"ButtonGrAllSS", "GrAllSS"}, {"ZV_AOK_ZV4280v2_19_1", "dockMain"}, {"ZV_ChA_AOK_ZV4280v2_20_1", "dockA"},
+             {"ZV_ChB_AOK_ZV4280v2_21_1", "dockB"}, {"ZV_ChC_AOK_ZV4280v2_22_1", "dockC"},
+             {"ZV_ChD_AOK_ZV4280v2_23_1", "dockD"}}) {
+            QWidget *t = main->findWidget(c.first), *w = main->windows.value(c.second);
+            QVERIFY2(t && w && !w->isVisible(), qPrintable(c.first));
+            for (bool open : {true, false}) {
+                if (auto* b = qobject_cast<QPushButton*>(t))
+                    b->click();
+                else // a bulb: the main window's event filter opens its dock
+                    QTest::mouseClick(t, Qt::LeftButton);
+                QVERIFY2(w->isVisible() == open, qPrintable(c.first));
+            }
+        }
+    }
+
+    void names()
+    {
+        QCOMPARE(registerNames.size(), 291);
+        QCOMPARE(registerNames.count(QString()), 1);
+        for (const auto& r : QList<QPair<int, QString>>{{0, "Version1"}, {290, "INT_Status_12"}, {227, ""},
+                 {54, "ChB_IFA_Q_Fain1"}, {32, "ChA_IFA_Q_Gain1"}, {255, "DSM_F"}, {108, "STM mode"}})
+            QCOMPARE(registerNames.at(r.first), r.second);
+    }
 };
-
-static QString objectNameOf(const QJsonObject& f)
-{
-    return QStringLiteral("ZV_%1_ZV4280v2_%2_%3%4")
-        .arg(f.value("name").toString())
-        .arg(f.value("position").toInt())
-        .arg(f.value("width").toInt())
-        .arg(f.value("inverted").toBool() ? "_I" : "");
-}
-
-void tst_catalogue::initTestCase()
-{
-    zvTestInit();
-    QFile file(QStringLiteral(ZV_TEST_DATA "/register_catalogue.json"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QJsonObject root = QJsonDocument::fromJson(file.readAll()).object();
-    catalogueFields = root.value("fields").toArray();
-    catalogueDisplays = root.value("expressions").toArray();
-    QCOMPARE(catalogueFields.size(), 618);
-    QCOMPARE(catalogueDisplays.size(), 103);
-    ModalCatcher catcher;
-    main = new MainClass;
-    QVERIFY2(catcher.texts.isEmpty(), qPrintable(catcher.texts.join(", ")));
-    QCOMPARE(main->maps.size(), 1);
-    map = main->firstMap();
-}
-
-void tst_catalogue::cleanupTestCase()
-{
-    delete main;
-}
-
-void tst_catalogue::fields()
-{
-    static const QMap<QString, QString> classOfKind = {
-        {"check", "QCheckBox"}, {"combo", "QComboBox"}, {"spin", "QSpinBox"}, {"lamp", "QLabel"}, {"read", "QLineEdit"}};
-    QCOMPARE(map->parts.size(), 618);
-    for (const QJsonValue& v : catalogueFields) {
-        const QJsonObject f = v.toObject();
-        const QString key = f.value("name").toString() + "_ZV4280v2";
-        const part* p = map->parts.value(key);
-        QVERIFY2(p, qPrintable(key));
-        QCOMPARE(p->widget->objectName(), objectNameOf(f));
-        QCOMPARE(QString(p->widget->metaObject()->className()), classOfKind.value(f.value("kind").toString()));
-        QCOMPARE(p->position, f.value("position").toInt());
-        QCOMPARE(p->width, f.value("width").toInt());
-        QCOMPARE(p->inverted, f.value("inverted").toBool());
-        QCOMPARE(p->position, f.value("reg").toInt() * 8 + 7 - f.value("msb").toInt());
-        // The window the catalogue names holds the widget.
-        const QString form = f.value("form").toString();
-        QWidget* window = form == "MainClass" ? main : main->windows.value(form);
-        QVERIFY2(window && window->isAncestorOf(static_cast<QWidget*>(p->widget)), qPrintable(key));
-        if (auto* combo = qobject_cast<QComboBox*>(p->widget)) {
-            QStringList items;
-            for (int i = 0; i < combo->count(); ++i)
-                items << combo->itemText(i);
-            QStringList expected;
-            for (const QJsonValue& item : f.value("items").toArray())
-                expected << item.toString();
-            QCOMPARE(items, expected);
-        }
-        // The scan replaced any tooltip by the register location.
-        QCOMPARE(p->widget->property("toolTip").toString(), buildToolTip(*p));
-        QVERIFY(p->widget->property("toolTip").toString().startsWith(
-            QStringLiteral("Reg%1 <D%2").arg(f.value("reg").toInt()).arg(f.value("msb").toInt())));
-    }
-}
-
-void tst_catalogue::displays()
-{
-    for (const QJsonValue& v : catalogueDisplays) {
-        const QString name = v.toObject().value("key").toString();
-        auto* edit = main->findWidget(name);
-        QVERIFY2(edit, qPrintable(name));
-        QCOMPARE(QString(edit->metaObject()->className()), QStringLiteral("QLineEdit"));
-        QVERIFY(static_cast<QLineEdit*>(edit)->isReadOnly());
-        const QString key = name.left(name.indexOf("_Expression"));
-        const part* p = map->parts.value(key);
-        QVERIFY2(p, qPrintable(key));
-        QCOMPARE(QString(p->widget->metaObject()->className()), QStringLiteral("QSpinBox"));
-        QCOMPARE(edit->parent(), p->widget->parent());
-        QCOMPARE(edit->toolTip(), buildToolTip(*p));
-        QVERIFY(main->outputs.contains(key));
-        QCOMPARE(main->outputs.value(key)->widget, static_cast<QObject*>(edit));
-    }
-}
-
-void tst_catalogue::groups()
-{
-    int checked = 0;
-    for (const QJsonValue& v : catalogueFields) {
-        const QJsonObject f = v.toObject();
-        const QString group = f.value("group").toString();
-        if (group.isEmpty())
-            continue;
-        const QObject* w = map->parts.value(f.value("name").toString() + "_ZV4280v2")->widget;
-        const QGroupBox* box = nullptr;
-        for (QObject* o = w->parent(); o && !box; o = o->parent())
-            box = qobject_cast<QGroupBox*>(o);
-        QVERIFY2(box, qPrintable(w->objectName()));
-        QCOMPARE(box->title(), group);
-        ++checked;
-    }
-    QVERIFY(checked > 500);
-    // Named group boxes of the expert windows.
-    const QList<QPair<QString, QString>> named = {
-        {"GrMoreEnable_A", "Block enable"}, {"GrMoreSyn", "Synthesizer"}, {"GrMoreLPF_A", "LPF"},
-        {"GrMoreChanel_A", "Channel"}, {"GrMoreIFA_B", "IFA"}, {"GrSChB1", "+"}, {"GrSChD1", "+"},
-        {"GrMoreEnable_D", "Block Enable"}, {"Gr_moreVCO1", "VCO#2"}, {"Gr_moreDSAS3", "SAS VCO #3"},
-        {"groupBox_18", ""}, {"groupBox_20", "IFA"}, {"GrChDMode", "Chanel D Packet Mode Enables"},
-        {"groupBox_22", "Voltage detector bounds"}, {"GR_ChDESS", "ChD"}};
-    for (const auto& n : named) {
-        auto* box = qobject_cast<QGroupBox*>(main->findWidget(n.first));
-        QVERIFY2(box, qPrintable(n.first));
-        QCOMPARE(box->title(), n.second);
-    }
-}
-
-void tst_catalogue::bits()
-{
-    QCOMPARE(map->registerCount, 291u);
-    QVector<QString> owner(int(map->registerCount) * 8);
-    int covered = 0;
-    for (auto it = map->parts.cbegin(); it != map->parts.cend(); ++it) {
-        for (int b = 0; b < it.value()->width; ++b) {
-            QString& o = owner[it.value()->position + b];
-            QVERIFY2(o.isEmpty(), qPrintable(it.key() + " shares a bit with " + o));
-            o = it.key();
-            ++covered;
-        }
-    }
-    QCOMPARE(covered, 1714);
-    QCOMPARE(map->bitOwners.size(), 1714);
-    QVERIFY(!owner.last().isEmpty()); // the last bit of register 290 belongs to a field
-}
-
-void tst_catalogue::outputs()
-{
-    int labels = 0, edits = 0, displays = 0;
-    for (auto it = main->outputs.cbegin(); it != main->outputs.cend(); ++it) {
-        const QObject* w = it.value()->widget;
-        const QString cls = w->metaObject()->className();
-        if (w->objectName().endsWith("_Expression"))
-            ++displays;
-        else if (cls == "QLabel")
-            ++labels;
-        else if (cls == "QLineEdit")
-            ++edits;
-        else
-            QFAIL(qPrintable("not a display: " + it.key()));
-    }
-    QCOMPARE(displays, 103);
-    QCOMPARE(labels, 32);
-    QCOMPARE(edits, 46);
-}
-
-void tst_catalogue::defaultState()
-{
-    for (const char* key : {"ChA_LNA1_EN_st", "ChA_AAD_WORK", "ChB_LNA1_EN_st", "ChB_AAD_WORK", "ChC_LNA1_EN_st",
-                            "ChC_AAD_WORK", "ChD_IFA_I_GCst", "ChD_IFA_Q_GCst"}) {
-        auto* w = static_cast<QWidget*>(map->parts.value(QString(key) + "_ZV4280v2")->widget);
-        QVERIFY2(w->isHidden(), key);
-    }
-    for (const char* name : {"ChD_IFA_I_GCLabelG", "ChD_IFA_Q_GCLabelG", "ChD_IFA_I_GCstLabelG", "ChD_IFA_Q_GCstLabelG",
-                             "ButtonGrSChA", "ButtonGrSChB", "ButtonGrSChC", "ButtonGrSChD", "ButtonGrGenServ"}) {
-        QWidget* w = main->findWidget(name);
-        QVERIFY2(w && w->isHidden(), name);
-    }
-    QVERIFY(!main->findWidget("ZV_TS_code_ZV4280v2_38_10")->isEnabled());
-    QCOMPARE(static_cast<QSpinBox*>(main->findWidget("ZV_PLL_CDiv_ZV4280v2_88_8"))->minimum(), 4);
-    QVERIFY(!main->findWidget("ButtonGrAllSS")->isHidden());
-    // Spin boxes leave the field's bound to the binding.
-    for (const part* p : map->parts)
-        if (auto* box = qobject_cast<QSpinBox*>(p->widget))
-            QCOMPARE(box->maximum(), 2147483647);
-}
-
-void tst_catalogue::windowButtons_data()
-{
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("window");
-    for (const char* w : {"GrSChA", "GrSChB", "GrSChC", "GrSChD", "GrGenServ", "GrAllSS"})
-        QTest::newRow(w) << QString("Button") + w << QString(w);
-}
-
-void tst_catalogue::windowButtons()
-{
-    QFETCH(QString, button);
-    QFETCH(QString, window);
-    auto* b = qobject_cast<QPushButton*>(main->findWidget(button));
-    QVERIFY(b);
-    QWidget* w = main->windows.value(window);
-    QVERIFY(!w->isVisible());
-    b->click();
-    QVERIFY(w->isVisible());
-    b->click();
-    QVERIFY(!w->isVisible());
-}
-
-void tst_catalogue::bulbsOpenDocks_data()
-{
-    QTest::addColumn<QString>("bulb");
-    QTest::addColumn<QString>("dock");
-    QTest::newRow("chip") << "ZV_AOK_ZV4280v2_19_1" << "dockMain";
-    QTest::newRow("A") << "ZV_ChA_AOK_ZV4280v2_20_1" << "dockA";
-    QTest::newRow("B") << "ZV_ChB_AOK_ZV4280v2_21_1" << "dockB";
-    QTest::newRow("C") << "ZV_ChC_AOK_ZV4280v2_22_1" << "dockC";
-    QTest::newRow("D") << "ZV_ChD_AOK_ZV4280v2_23_1" << "dockD";
-}
-
-void tst_catalogue::bulbsOpenDocks()
-{
-    QFETCH(QString, bulb);
-    QFETCH(QString, dock);
-    QWidget* b = main->findWidget(bulb);
-    QVERIFY(b);
-    QWidget* d = main->windows.value(dock);
-    QVERIFY(!d->isVisible());
-    QTest::mouseClick(b, Qt::LeftButton);
-    QVERIFY(d->isVisible());
-    QTest::mouseClick(b, Qt::LeftButton);
-    QVERIFY(!d->isVisible());
-}
-
-void tst_catalogue::names()
-{
-    QCOMPARE(registerNames.size(), 291);
-    QCOMPARE(registerNames.at(0), QStringLiteral("Version1"));
-    QCOMPARE(registerNames.at(227), QString());
-    QCOMPARE(registerNames.at(290), QStringLiteral("INT_Status_12"));
-    QCOMPARE(registerNames.at(54), QStringLiteral("ChB_IFA_Q_Fain1"));
-    QCOMPARE(registerNames.at(76), QStringLiteral("ChC_IFA_Q_Fain1"));
-    QCOMPARE(registerNames.at(32), QStringLiteral("ChA_IFA_Q_Gain1"));
-    for (int r = 252; r <= 255; ++r)
-        QCOMPARE(registerNames.at(r), QStringLiteral("DSM_F"));
-    QCOMPARE(registerNames.at(107), QStringLiteral("IC_MD_PM"));
-    QCOMPARE(registerNames.at(108), QStringLiteral("STM mode"));
-    QCOMPARE(registerNames.count(QString()), 1);
-}
 
 QTEST_MAIN(tst_catalogue)
 #include "tst_catalogue.moc"

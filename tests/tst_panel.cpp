@@ -1,209 +1,110 @@
-#include "MainClass.h"
 #include "service_block.h"
 #include "testbed.h"
 #include "testsupport.h"
 #include "translation.h"
 #include "usb_link.h"
-
 #include <QtTest>
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QPushButton>
-#include <QSpinBox>
-
-#include <memory>
+#include <QtWidgets>
 
 // The service panel with simulated boards on the bus.
 class tst_panel : public QObject
 {
     Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void startValues();
-    void pauseFeedsTheWorkersPause();
-    void searchListsBoards();
-    void selectionTakesEffectOnNextOperation();
-    void bitRow_data();
-    void bitRow();
-    void registerButtons();
-    void registerButtonsWithoutBoard();
-    void otherInterfacesOutOfReach();
-    void englishTexts();
-
-private:
-    template <class T>
-    T* child(const char* name) const
-    {
-        T* w = panel->findChild<T*>(name);
-        Q_ASSERT(w);
-        return w;
-    }
-
     std::unique_ptr<zvsim::Testbed> bus;
     std::unique_ptr<service_block> panel;
-};
+    template <class T = QWidget> T* w(const QString& name) const { return panel->findChild<T*>(name); }
 
-void tst_panel::initTestCase()
-{
-    zvTestInit();
-    installTranslation(*QCoreApplication::instance());
-    if (!zvsim::Testbed::available())
-        QSKIP("needs umockdev-wrapper");
-}
-
-void tst_panel::init()
-{
-    bus.reset(new zvsim::Testbed);
-    panel.reset(new service_block);
-}
-
-void tst_panel::cleanup()
-{
-    panel.reset();
-    bus.reset();
-}
-
-void tst_panel::startValues()
-{
-    const QMap<QString, int> expected = {
-        {"interfaceCheck", 0}, {"currentInterface", -1}, {"speedCom", 5}, {"ReadStyle", 2}, {"WriteStyle", 1},
-        {"RepeatRead", 0}, {"AutoPause", 0}, {"ChangesOnly", 1}, {"InteractiveRefresh", 1}, {"PauseTimer", 200},
-        {"writePause", 200}, {"HexComment", 0}, {"MergeFile", 0}, {"ConfigCheck", 1}, {"StatusBits", 1},
-        {"ServiceBits", 1}, {"RegisterNumber", 0}};
-    QCOMPARE(panel->settings, expected);
-    QCOMPARE(panel->windowTitle(), QStringLiteral("Service settings"));
-    QCOMPARE(panel->size(), QSize(330, 300));
-    for (const char* hidden : {"Button_ICFILE", "GrRWRegister", "flag_AutoPause", "flag_ReadStyle", "text_read",
-                               "flag_WriteStyle", "text_write", "flag_ServiceBits", "flag_StatusBits",
-                               "flag_ConfigCheck", "Info", "flag_RepeatRead", "flag_speedCom", "label_TB"})
-        QVERIFY2(child<QWidget>(hidden)->isHidden(), hidden);
-    for (const char* shown : {"flag_interfaceCheck", "flag_currentInterface", "search_interface", "flag_ChangesOnly",
-                              "flag_InteractiveRefresh", "flag_PauseTimer", "flag_HexComment", "flag_MergeFile"})
-        QVERIFY2(!child<QWidget>(shown)->isHidden(), shown);
-    auto* speeds = child<QComboBox>("flag_speedCom");
-    QCOMPARE(speeds->itemText(2), QStringLiteral("256000"));
-    QCOMPARE(speeds->itemText(4), QStringLiteral("256000"));
-    QVERIFY(child<QSpinBox>("flag_RegisterNumber")->maximum() >= 99999);
-}
-
-void tst_panel::pauseFeedsTheWorkersPause()
-{
-    child<QSpinBox>("flag_PauseTimer")->setValue(750);
-    QCOMPARE(panel->settings.value("PauseTimer"), 750);
-    QCOMPARE(panel->settings.value("writePause"), 750);
-    child<QCheckBox>("flag_ChangesOnly")->setChecked(false);
-    QCOMPARE(panel->settings.value("ChangesOnly"), 0);
-    child<QCheckBox>("flag_MergeFile")->setChecked(true);
-    QCOMPARE(panel->settings.value("MergeFile"), 1);
-}
-
-void tst_panel::searchListsBoards()
-{
-    zvsim::BoardConfig c;
-    c.address = 10;
-    bus->addBoard(c);
-    auto* devices = child<QComboBox>("flag_currentInterface");
-    QCOMPARE(devices->count(), 0);
-    child<QPushButton>("search_interface")->click();
-    QCOMPARE(devices->count(), 1);
-    QCOMPARE(devices->itemText(0), QStringLiteral("2976 3 1 a "));
-    QCOMPARE(panel->usb->selectedKey, QStringLiteral("2976 3 1 a "));
-}
-
-void tst_panel::selectionTakesEffectOnNextOperation()
-{
-    zvsim::BoardConfig first, second;
-    second.address = 6;
-    second.product = 7;
-    bus->addBoard(first);
-    bus->addBoard(second);
-    bus->chip(0).setRelease(2);
-    bus->chip(1).setRelease(3);
-    child<QPushButton>("search_interface")->click();
-    auto* devices = child<QComboBox>("flag_currentInterface");
-    QCOMPARE(devices->count(), 2);
-    for (int i = 0; i < 2; ++i) {
-        devices->setCurrentIndex(i);
-        const int board = devices->currentText() == QStringLiteral("2976 7 1 6 ") ? 1 : 0;
-        quint8 value = 0;
-        QVERIFY(panel->usb->readRegister(1, &value));
-        QCOMPARE(value & 7, board == 1 ? 3 : 2);
+private slots:
+    void initTestCase()
+    {
+        zvTestInit();
+        installTranslation(*QCoreApplication::instance());
+        if (!zvsim::Testbed::available())
+            QSKIP("needs umockdev-wrapper");
     }
-}
+    void init() { bus.reset(new zvsim::Testbed), panel.reset(new service_block); }
+    void cleanup() { panel.reset(), bus.reset(); }
 
-void tst_panel::bitRow_data()
-{
-    QTest::addColumn<int>("value");
-    for (int v : {0, 1, 0x80, 0xA5, 0xFF})
-        QTest::addRow("%02x", v) << v;
-}
+    void startValuesAndTexts()
+    {
+        const QMap<QString, int> expected = {{"interfaceCheck", 0}, {"currentInterface", -1}, {"speedCom", 5},
+            {"ReadStyle", 2}, {"WriteStyle", 1}, {"RepeatRead", 0}, {"AutoPause", 0}, {"ChangesOnly", 1},
+            {"InteractiveRefresh", 1}, {"PauseTimer", 200}, {"writePause", 200}, {"HexComment", 0}, {"MergeFile", 0},
+            {"ConfigCheck", 1}, {"StatusBits", 1}, {"ServiceBits", 1}, {"RegisterNumber", 0}};
+        QCOMPARE(panel->settings, expected);
+        QCOMPARE(panel->windowTitle(), QStringLiteral("Service settings"));
+        QCOMPARE(panel->size(), QSize(330, 300));
+        for (const char* n : {"Button_ICFILE", "GrRWRegister", "flag_AutoPause", "flag_ReadStyle", "text_read",
+                              "flag_WriteStyle", "text_write", "flag_ServiceBits", "flag_StatusBits",
+                              "flag_ConfigCheck", "Info", "flag_RepeatRead", "flag_speedCom", "label_TB"})
+            QVERIFY2(w(n)->isHidden(), n);
+        QVERIFY(!w("flag_currentInterface")->isHidden() && !w("search_interface")->isHidden());
+        for (auto [n, text] : {std::pair{"search_interface", "Search"}, {"flag_ChangesOnly", "Changes only"},
+                               {"text_pause", "Read/write pause (ms)"}, {"ButtonReadRegister", "Read"}})
+            QCOMPARE(w(n)->property("text").toString(), QString(text));
+        w<QSpinBox>("flag_PauseTimer")->setValue(750);
+        QCOMPARE(panel->settings.value("PauseTimer"), 750);
+        QCOMPARE(panel->settings.value("writePause"), 750);
+    }
 
-void tst_panel::bitRow()
-{
-    QFETCH(int, value);
-    auto* spin = child<QSpinBox>("SpinRegisterValue");
-    spin->setValue(value ^ 0xFF);
-    spin->setValue(value);
-    for (int b = 0; b < 8; ++b)
-        QCOMPARE(child<QCheckBox>(qPrintable(QString("cbxRegByte%1").arg(b)))->isChecked(), bool(value & (1 << b)));
-    // And back: ticking a box changes the byte by its weight.
-    child<QCheckBox>("cbxRegByte3")->setChecked(!(value & 8));
-    QCOMPARE(spin->value(), value ^ 8);
-    QCOMPARE(spin->displayIntegerBase(), 16);
-}
+    // Two boards with different release codes: each selection applies to the next access.
+    void searchAndSelection()
+    {
+        zvsim::BoardConfig first{0x2976, 3, 1, 10}, second{0x2976, 7, 1, 6};
+        bus->chip(bus->addBoard(first)).setRelease(2), bus->chip(bus->addBoard(second)).setRelease(3);
+        auto* devices = w<QComboBox>("flag_currentInterface");
+        w<QPushButton>("search_interface")->click();
+        QVERIFY(devices->count() == 2 && devices->findText("2976 3 1 a ") >= 0);
+        for (int i : {0, 1, 0}) {
+            devices->setCurrentIndex(i);
+            QCOMPARE(panel->usb->selectedKey, devices->currentText());
+            quint8 value = 0;
+            QVERIFY(panel->usb->readRegister(1, &value));
+            QCOMPARE(value & 7, devices->currentText() == QStringLiteral("2976 7 1 6 ") ? 3 : 2);
+        }
+    }
 
-void tst_panel::registerButtons()
-{
-    bus->addBoard();
-    bus->chip(0).setReg(120, 0x3C);
-    child<QSpinBox>("flag_RegisterNumber")->setValue(120);
-    child<QPushButton>("ButtonReadRegister")->click();
-    QCOMPARE(child<QSpinBox>("SpinRegisterValue")->value(), 0x3C);
-    child<QSpinBox>("SpinRegisterValue")->setValue(0xC3);
-    child<QPushButton>("ButtonWriteRegister")->click();
-    QCOMPARE(int(bus->chip(0).reg(120)), 0xC3);
-}
+    void bitRow()
+    {
+        auto* spin = w<QSpinBox>("SpinRegisterValue");
+        QCOMPARE(spin->displayIntegerBase(), 16);
+        for (int value : {0, 1, 0x80, 0xA5, 0xFF}) {
+            spin->setValue(value ^ 0xFF), spin->setValue(value);
+            for (int b = 0; b < 8; ++b)
+                QCOMPARE(w<QCheckBox>(QString("cbxRegByte%1").arg(b))->isChecked(), bool(value & (1 << b)));
+            w<QCheckBox>("cbxRegByte3")->setChecked(!(value & 8));
+            QCOMPARE(spin->value(), value ^ 8);
+        }
+    }
 
-void tst_panel::registerButtonsWithoutBoard()
-{
-    ModalCatcher catcher;
-    child<QSpinBox>("SpinRegisterValue")->setValue(0x21);
-    child<QPushButton>("ButtonReadRegister")->click();
-    QCOMPARE(child<QSpinBox>("SpinRegisterValue")->value(), 0x21);
-    child<QPushButton>("ButtonWriteRegister")->click();
-    QCOMPARE(catcher.texts, QStringList({"USB interface error 0", "USB interface error 33"}));
-}
+    void registerButtons()
+    {
+        ModalCatcher catcher;
+        auto* value = w<QSpinBox>("SpinRegisterValue");
+        auto click = [this](const char* n) { w<QPushButton>(n)->click(); };
+        value->setValue(0x21);
+        click("ButtonReadRegister"), click("ButtonWriteRegister");
+        QCOMPARE(value->value(), 0x21);
+        bus->chip(bus->addBoard()).setReg(120, 0x3C);
+        w<QSpinBox>("flag_RegisterNumber")->setValue(120);
+        click("ButtonReadRegister");
+        QCOMPARE(value->value(), 0x3C);
+        value->setValue(0xC3), click("ButtonWriteRegister");
+        QCOMPARE(int(bus->chip(0).reg(120)), 0xC3);
+        QCOMPARE(catcher.texts, QStringList({"USB interface error 0", "USB interface error 33"}));
+    }
 
-void tst_panel::otherInterfacesOutOfReach()
-{
-    // The arrow keys and the wheel on the closed box must not land on the
-    // hidden interfaces, which would cut the bench off the board unseen.
-    auto* kinds = child<QComboBox>("flag_interfaceCheck");
-    kinds->setFocus();
-    QTest::keyClick(kinds, Qt::Key_Down);
-    QTest::keyClick(kinds, Qt::Key_End);
-    QCOMPARE(kinds->currentIndex(), 0);
-    QWheelEvent wheel(QPointF(5, 5), kinds->mapToGlobal(QPoint(5, 5)), QPoint(), QPoint(0, -120), Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(kinds, &wheel);
-    QCOMPARE(kinds->currentIndex(), 0);
-    QCOMPARE(panel->usb->interfaceKind, 0);
-}
-
-void tst_panel::englishTexts()
-{
-    QCOMPARE(child<QPushButton>("search_interface")->text(), QStringLiteral("Search"));
-    QCOMPARE(child<QCheckBox>("flag_ChangesOnly")->text(), QStringLiteral("Changes only"));
-    QCOMPARE(child<QCheckBox>("flag_InteractiveRefresh")->text(), QStringLiteral("Interactive refresh"));
-    QCOMPARE(child<QLabel>("text_pause")->text(), QStringLiteral("Read/write pause (ms)"));
-    QCOMPARE(child<QComboBox>("flag_ReadStyle")->itemText(2), QStringLiteral("Autoincrement"));
-    QCOMPARE(child<QPushButton>("ButtonReadRegister")->text(), QStringLiteral("Read"));
-}
+    // Landing on a hidden interface would cut the bench off the board unseen.
+    void otherInterfacesOutOfReach()
+    {
+        auto* kinds = w<QComboBox>("flag_interfaceCheck");
+        QTest::keyClick(kinds, Qt::Key_Down), QTest::keyClick(kinds, Qt::Key_End);
+        QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(kinds, &wheel);
+        QCOMPARE(kinds->currentIndex(), 0);
+        QCOMPARE(panel->usb->interfaceKind, 0);
+    }
+};
 
 QTEST_MAIN(tst_panel)
 #include "tst_panel.moc"

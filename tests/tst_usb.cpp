@@ -6,396 +6,204 @@
 #include <memory>
 #include <vector>
 
-// The transport and the frames, through the real libusb talking to simulated
-// boards on an emulated bus.
+// What the test board holds in register r; 0 beyond the chip's registers.
+static quint8 pattern(int r) { return r < 291 ? quint8(r * 7 + 1) : 0; }
+// Registers the chip fills itself: identity, temperature, channel B's lock bit.
+static bool chipOwned(int r) { return r < 6 || r == 36; }
+
+// The transport and its frames, through the real libusb to simulated boards.
 class tst_usb : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void examples_data();
-    void examples();
-    void readBlock_data();
-    void readBlock();
-    void writeBlockCopiesBackFullFrames();
-    void autoincrement_data();
-    void autoincrement();
-    void interfaceKinds();
-    void deviceChoice_data();
-    void deviceChoice();
-    void kernelDriverDetached();
-    void claimRefused();
-    void faults_data();
-    void faults();
-    void chipValuesRoundTrip();
-
-private:
-    QList<QByteArray> framesOut() const;
-    QList<QByteArray> framesIn() const;
-
     std::unique_ptr<zvsim::Testbed> bus;
     std::unique_ptr<usb_link> link;
+    std::vector<quint8> buf, before;
+
+    QList<int> uses(int board) const { return {bus->opens(board), bus->closes(board)}; }
+
+    // Runs `op` on a fresh caller's buffer (kept in `before` too): block
+    // elements carry their addresses, writes carry AB, AC, ..., the rest is EE.
+    bool run(const QString& op, int first, int count)
+    {
+        const bool block = op.endsWith("Block");
+        buf.assign(size_t(3 * count + 3), 0xEE);
+        for (int i = 0; i < count; ++i) {
+            if (block) {
+                buf[size_t(3 * i)] = quint8((first + i) >> 8);
+                buf[size_t(3 * i + 1)] = quint8(first + i);
+            }
+            if (!op.startsWith("read"))
+                buf[size_t(block ? 3 * i + 2 : i)] = quint8(0xAB + i);
+        }
+        before = buf;
+        quint8* p = buf.data();
+        return op == "read"         ? link->readRegister(first, p)
+               : op == "write"      ? link->writeRegister(first, p)
+               : op == "readBlock"  ? link->readBlock(count, p)
+               : op == "writeBlock" ? link->writeBlock(count, p)
+               : op == "readAuto"   ? link->readAuto(first, count, p)
+                                    : link->writeAuto(first, count, p);
+    }
+
+private slots:
+    void initTestCase() { if (!zvsim::Testbed::available()) QSKIP("needs umockdev-wrapper"); }
+    void init() { bus.reset(new zvsim::Testbed); link.reset(new usb_link); }
+    void cleanup() { link.reset(); bus.reset(); }
+
+    void frames_data()
+    {
+        QTest::addColumn<QString>("op");
+        QTest::addColumn<int>("first");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QVector<int>>("lengths");
+        QTest::addColumn<QByteArray>("head"); // start of the first frame
+        QTest::addColumn<QByteArray>("tail"); // start of the last frame, when not the first
+        auto row = [](const char* name, const char* op, int first, int count, QVector<int> lengths, const char* head,
+                      const char* tail = "") {
+            QTest::newRow(name) << QString(op) << first << count << lengths << QByteArray::fromHex(head)
+                                << QByteArray::fromHex(tail);
+        };
+        row("read 0x0105", "read", 0x0105, 1, {5}, "15 03 81 05 00");
+        row("write AB to 0x0105", "write", 0x0105, 1, {5}, "15 03 01 05 AB");
+        row("block of registers 0 to 9", "readBlock", 0, 10, {32, 2},
+            "15 1E 80 00 00 80 01 00 80 02 00 80 03 00 80 04 00 80 05 00 80 06 00 80 07 00 80 08 00 80 09 00", "15 00");
+        row("block of 20", "readBlock", 0, 20, {32, 32, 2}, "15 1E 80 00", "15 00");
+        row("block of 107", "readBlock", 0, 107, QVector<int>(10, 32) << 23, "15 1E 80 00", "15 15 80 64");
+        row("block of 0", "readBlock", 0, 0, {2}, "15 00");
+        row("block above 0xFF", "readBlock", 0x011E, 3, {11}, "15 09 81 1E 00 81 1F 00 81 20 00");
+        row("write block of 13", "writeBlock", 10, 13, {32, 11}, "15 1E 00 0A AB", "15 09 00 14 B5 00 15 B6 00 16 B7");
+        row("autoincrement read of 3 from 0", "readAuto", 0, 3, {7}, "15 05 C0 00");
+        row("autoincrement of 107", "readAuto", 0, 107, {32, 32, 32, 27}, "15 1E C0 00", "15 19 C0 54");
+        row("autoincrement of 0", "readAuto", 0, 0, {}, "");
+        row("autoincrement above 0xFF", "readAuto", 0x0123, 2, {6}, "15 04 C1 23");
+        row("autoincrement across 256", "readAuto", 250, 30, {32, 6}, "15 1E C0 FA", "15 04 C1 16");
+        row("autoincrement write", "writeAuto", 0x011E, 2, {6}, "15 04 41 1E AB AC");
+    }
+    void frames()
+    {
+        QFETCH(QString, op);
+        QFETCH(int, first);
+        QFETCH(int, count);
+        QFETCH(QByteArray, head);
+        QFETCH(QByteArray, tail);
+        bus->addBoard({0x2976, 3, 1, 5, true}); // a kernel driver holds interface 0
+        QVERIFY(bus->kernelDriverBound(0));
+        for (int r = 0; r < 291; ++r)
+            if (!chipOwned(r))
+                bus->chip(0).setReg(r, pattern(r));
+        QVERIFY(run(op, first, count));
+        QList<QByteArray> out;
+        QVector<int> lengths;
+        for (const zvsim::WireFrame& f : bus->wireLog())
+            if (f.out)
+                out << f.bytes;
+        for (const QByteArray& f : out)
+            lengths << f.size();
+        QTEST(lengths, "lengths");
+        QCOMPARE(out.value(0).left(head.size()), head);
+        QCOMPARE(out.value(out.size() - 1).left(tail.size()), tail);
+        // Writes reach the chip and leave the caller's values; reads fill the list only.
+        const bool reading = op.startsWith("read");
+        const int step = op.endsWith("Block") ? 3 : 1, at = step - 1;
+        for (int i = 0; i < count; ++i)
+            if (!reading)
+                QCOMPARE(int(bus->chip(0).reg(first + i)), 0xAB + i);
+            else if (!chipOwned(first + i))
+                QCOMPARE(int(buf[size_t(step * i + at)]), int(pattern(first + i)));
+        QVERIFY(reading || buf == before);
+        QCOMPARE(buf[size_t(step * count + at)], before[size_t(step * count + at)]);
+        QCOMPARE(uses(0), (QList<int>{1, 1}));
+        QVERIFY(!bus->kernelDriverBound(0));
+    }
+
+    // Serial interfaces have no register protocol: every operation is refused
+    // without touching the bus, blocks element by element.
+    void interfaceKinds()
+    {
+        bus->addBoard();
+        for (int kind : {1, 3}) {
+            link->interfaceKind = kind;
+            for (const char* op : {"read", "write", "readBlock", "writeBlock", "readAuto", "writeAuto"}) {
+                QVERIFY2(run(op, 7, 2) == (kind == 3 && QByteArray(op).endsWith("Block")), op);
+                QVERIFY2(buf == before, op);
+            }
+        }
+        QCOMPARE(bus->opens(0), 0);
+    }
+
+    void deviceChoice_data()
+    {
+        QTest::addColumn<QList<int>>("vendors"); // one board per entry
+        QTest::addColumn<QString>("selected");
+        QTest::addColumn<int>("opened"); // board index, -1 none
+        QTest::addColumn<QStringList>("listed");
+        const QStringList one{"2976 3 1 5 "}, two{"2976 3 1 5 ", "2976 4 1 a "};
+        QTest::newRow("no board") << QList<int>{} << "" << -1 << QStringList{};
+        QTest::newRow("one board, no selection") << QList<int>{0x2976} << "" << 0 << one;
+        QTest::newRow("one board, stale selection") << QList<int>{0x2976} << "2976 3 1 9 " << 0 << one;
+        QTest::newRow("two boards, no selection") << QList<int>{0x2976, 0x2976} << "" << -1 << two;
+        QTest::newRow("two boards, second selected") << QList<int>{0x2976, 0x2976} << "2976 4 1 a " << 1 << two;
+        QTest::newRow("another vendor only") << QList<int>{0x1234} << "" << -1 << QStringList{};
+    }
+    void deviceChoice()
+    {
+        QFETCH(QList<int>, vendors);
+        QFETCH(int, opened);
+        for (int i = 0; i < vendors.size(); ++i)
+            bus->addBoard({quint16(vendors[i]), quint16(3 + i), 1, quint8(5 + 5 * i), false});
+        QVERIFY(link->scanDevices());
+        link->deviceList.sort();
+        QTEST(link->deviceList, "listed");
+        QFETCH(QString, selected);
+        link->selectedKey = selected;
+        quint8 value = 0x42;
+        QCOMPARE(link->readRegister(1, &value), opened >= 0);
+        for (int i = 0; i < vendors.size(); ++i)
+            QCOMPARE(uses(i), (QList<int>{i == opened, i == opened}));
+        QCOMPARE(link->statusText, opened >= 0 ? QString() : QStringLiteral("Refresh device list"));
+        QCOMPARE(value, opened >= 0 ? bus->chip(opened).reg(1) : quint8(0x42));
+    }
+
+    // A failing board or one refusing the claim of interface 0: the operation
+    // says so, the caller's buffer keeps what it held, and the device is let go.
+    void faults_data()
+    {
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QString>("op");
+        for (const char* op : {"readBlock", "readAuto", "read"})
+            for (const char* fault : {"unplug", "stall", "short", "claim"})
+                QTest::addRow("%s, %s", fault, op) << fault << op;
+    }
+    void faults()
+    {
+        QFETCH(QString, fault);
+        QFETCH(QString, op);
+        bus->addBoard();
+        if (fault == "unplug")
+            bus->unplugAfter(0, op == "read" ? 1 : 5); // blocks lose the board in their third frame
+        if (fault == "stall")
+            bus->stallNext(0);
+        if (fault == "short")
+            bus->shortNext(0, 3);
+        bus->refuseClaim(0, fault == "claim");
+        QVERIFY(!run(op, 0, 107));
+        QVERIFY(buf == before);
+        QCOMPARE(uses(0), (QList<int>{1, 1}));
+    }
+
+    void chipValuesRoundTrip()
+    {
+        bus->addBoard();
+        QVERIFY(run("writeAuto", 0, 291));
+        const std::vector<quint8> written = buf;
+        QVERIFY(run("readAuto", 0, 291));
+        for (int r = 0; r < 291; ++r)
+            if (!chipOwned(r))
+                QCOMPARE(buf[size_t(r)], written[size_t(r)]);
+        QCOMPARE(uses(0), (QList<int>{2, 2}));
+    }
 };
-
-static QByteArray hex(const char* text)
-{
-    return QByteArray::fromHex(QByteArray(text).replace(' ', ""));
-}
-
-void tst_usb::initTestCase()
-{
-    if (!zvsim::Testbed::available())
-        QSKIP("needs umockdev-wrapper");
-}
-
-void tst_usb::init()
-{
-    bus.reset(new zvsim::Testbed);
-    link.reset(new usb_link);
-}
-
-void tst_usb::cleanup()
-{
-    link.reset();
-    bus.reset();
-}
-
-QList<QByteArray> tst_usb::framesOut() const
-{
-    QList<QByteArray> frames;
-    for (const zvsim::WireFrame& f : bus->wireLog())
-        if (f.out)
-            frames << f.bytes;
-    return frames;
-}
-
-QList<QByteArray> tst_usb::framesIn() const
-{
-    QList<QByteArray> frames;
-    for (const zvsim::WireFrame& f : bus->wireLog())
-        if (!f.out)
-            frames << f.bytes;
-    return frames;
-}
-
-// The four frames of the protocol description, byte for byte.
-void tst_usb::examples_data()
-{
-    QTest::addColumn<QString>("operation");
-    QTest::addColumn<QByteArray>("frame");
-    QTest::newRow("read 0x0105") << "read" << hex("15 03 81 05 00");
-    QTest::newRow("write AB to 0x0105") << "write" << hex("15 03 01 05 AB");
-    QTest::newRow("block of registers 0 to 9")
-        << "block" << hex("15 1E 80 00 00 80 01 00 80 02 00 80 03 00 80 04 00 80 05 00 80 06 00 80 07 00 80 08 00 80 09 00");
-    QTest::newRow("autoincrement read of 3 from 0") << "auto" << hex("15 05 C0 00");
-}
-
-void tst_usb::examples()
-{
-    QFETCH(QString, operation);
-    QFETCH(QByteArray, frame);
-    bus->addBoard();
-    bus->chip(0).setReg(3, 0x5A);
-    if (operation == "read") {
-        quint8 value = 0xEE;
-        QVERIFY(link->readRegister(0x0105, &value));
-        QCOMPARE(value, quint8(0)); // beyond the chip's registers
-        QCOMPARE(framesOut(), QList<QByteArray>{frame});
-        QCOMPARE(framesIn().value(0).size(), 5);
-    } else if (operation == "write") {
-        const quint8 value = 0xAB;
-        QVERIFY(link->writeRegister(0x0105, &value));
-        QCOMPARE(framesOut(), QList<QByteArray>{frame});
-    } else if (operation == "block") {
-        std::vector<quint8> elements(30, 0);
-        for (int i = 0; i < 10; ++i)
-            elements[size_t(3 * i + 1)] = quint8(i);
-        QVERIFY(link->readBlock(10, elements.data()));
-        QCOMPARE(framesOut().value(0), frame);
-        QCOMPARE(framesIn().value(0).size(), 32);
-        QCOMPARE(int(elements[3 * 3 + 2]), 0x5A);
-    } else {
-        quint8 buffer[3] = {0, 0, 0};
-        QVERIFY(link->readAuto(0, 3, buffer));
-        QCOMPARE(framesOut().size(), 1);
-        QCOMPARE(framesOut().first().size(), 7);
-        QCOMPARE(framesOut().first().left(4), frame);
-        QCOMPARE(int(buffer[0]), int(bus->chip(0).reg(0)));
-        QCOMPARE(int(buffer[1]), int(bus->chip(0).reg(1)));
-    }
-    QCOMPARE(bus->opens(0), 1);
-    QCOMPARE(bus->closes(0), 1);
-}
-
-void tst_usb::readBlock_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QList<int>>("lengths");
-    QTest::newRow("107") << 107 << QList<int>{32, 32, 32, 32, 32, 32, 32, 32, 32, 32, 23};
-    QTest::newRow("10") << 10 << QList<int>{32, 2};
-    QTest::newRow("20") << 20 << QList<int>{32, 32, 2};
-    QTest::newRow("0") << 0 << QList<int>{2};
-}
-
-void tst_usb::readBlock()
-{
-    QFETCH(int, count);
-    QFETCH(QList<int>, lengths);
-    bus->addBoard();
-    for (int r = 0; r < 291; ++r)
-        if (r > 5)
-            bus->chip(0).setReg(r, quint8(r * 7));
-    std::vector<quint8> elements(size_t(3 * count + 3), 0xEE);
-    for (int i = 0; i < count; ++i) {
-        elements[size_t(3 * i)] = quint8(i >> 8);
-        elements[size_t(3 * i + 1)] = quint8(i & 0xFF);
-    }
-    QVERIFY(link->readBlock(count, elements.data()));
-    QList<int> seen;
-    for (const QByteArray& f : framesOut())
-        seen << f.size();
-    QCOMPARE(seen, lengths);
-    QCOMPARE(framesOut().last().left(2), QByteArray::fromHex(QByteArray::number((lengths.last() - 2), 16).rightJustified(2, '0')).prepend('\x15'));
-    for (int i = 6; i < count; ++i)
-        QCOMPARE(int(elements[size_t(3 * i + 2)]), (i * 7) & 0xFF);
-    QCOMPARE(int(elements[size_t(3 * count + 2)]), 0xEE); // nothing written past the list
-    QCOMPARE(bus->opens(0), 1);
-    QCOMPARE(bus->closes(0), 1);
-}
-
-void tst_usb::writeBlockCopiesBackFullFrames()
-{
-    bus->addBoard();
-    const int count = 13;
-    std::vector<quint8> elements(size_t(3 * count));
-    for (int i = 0; i < count; ++i) {
-        elements[size_t(3 * i)] = 0;
-        elements[size_t(3 * i + 1)] = quint8(i == 0 ? 1 : 10 + i); // register 1 keeps its identity
-        elements[size_t(3 * i + 2)] = quint8(0x30 + i);
-    }
-    const quint8 identity = bus->chip(0).reg(1);
-    QVERIFY(link->writeBlock(count, elements.data()));
-    const QList<QByteArray> out = framesOut();
-    QCOMPARE(out.size(), 2);
-    QCOMPARE(out[0].left(5), hex("15 1E 00 01 30"));
-    QCOMPARE(out[1], hex("15 09 00 14 3A 00 15 3B 00 16 3C"));
-    // The full frame's answers came back: register 1 answers what it holds.
-    QCOMPARE(int(elements[2]), 0x30);
-    QCOMPARE(int(bus->chip(0).reg(1)), int(identity));
-    QCOMPARE(int(bus->chip(0).reg(11)), 0x31);
-    QCOMPARE(int(bus->chip(0).reg(22)), 0x3C);
-    // The last frame's answer is dropped: the caller's values stay.
-    QCOMPARE(int(elements[3 * 12 + 2]), 0x3C);
-}
-
-void tst_usb::autoincrement_data()
-{
-    QTest::addColumn<int>("start");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QList<QByteArray>>("heads"); // first four bytes of each frame
-    QTest::newRow("107 from 0") << 0 << 107
-                                << QList<QByteArray>{hex("15 1E C0 00"), hex("15 1E C0 1C"), hex("15 1E C0 38"),
-                                                     hex("15 19 C0 54")};
-    QTest::newRow("none") << 0 << 0 << QList<QByteArray>{};
-    QTest::newRow("over 0xFF") << 0x0123 << 2 << QList<QByteArray>{hex("15 04 C1 23")};
-    QTest::newRow("across 256") << 250 << 30 << QList<QByteArray>{hex("15 1E C0 FA"), hex("15 04 C1 16")};
-}
-
-void tst_usb::autoincrement()
-{
-    QFETCH(int, start);
-    QFETCH(int, count);
-    QFETCH(QList<QByteArray>, heads);
-    bus->addBoard();
-    for (int r = 6; r < 291; ++r)
-        bus->chip(0).setReg(r, quint8(r ^ 0x55));
-    std::vector<quint8> buffer(size_t(count + 1), 0xEE);
-    QVERIFY(link->readAuto(start, count, buffer.data()));
-    QList<QByteArray> seen;
-    for (const QByteArray& f : framesOut())
-        seen << f.left(4);
-    QCOMPARE(seen, heads);
-    for (int i = 0; i < count; ++i) {
-        const int r = start + i;
-        if (r >= 6)
-            QCOMPARE(int(buffer[size_t(i)]), r < 291 ? (r ^ 0x55) & 0xFF : 0);
-    }
-    QCOMPARE(int(buffer[size_t(count)]), 0xEE);
-    QCOMPARE(bus->opens(0), 1);
-    QCOMPARE(bus->closes(0), 1);
-
-    // The same run written back goes out with the write mark.
-    bus->clearWireLog();
-    QVERIFY(link->writeAuto(start, count, buffer.data()));
-    for (const QByteArray& f : framesOut())
-        QCOMPARE(quint8(f[2]) & 0xC0, 0x40);
-    QCOMPARE(framesOut().size(), heads.size());
-}
-
-void tst_usb::interfaceKinds()
-{
-    bus->addBoard();
-    quint8 value = 0x77;
-    quint8 elements[6] = {0, 7, 0x11, 0, 8, 0x22};
-    quint8 buffer[4] = {1, 2, 3, 4};
-    link->interfaceKind = 1;
-    QVERIFY(!link->readRegister(7, &value));
-    QVERIFY(!link->writeRegister(7, &value));
-    QVERIFY(!link->readBlock(2, elements));
-    QVERIFY(!link->writeBlock(2, elements));
-    QVERIFY(!link->readAuto(0, 4, buffer));
-    QVERIFY(!link->writeAuto(0, 4, buffer));
-    link->interfaceKind = 3;
-    QVERIFY(!link->readRegister(7, &value));
-    QVERIFY(link->readBlock(2, elements));
-    QVERIFY(link->writeBlock(2, elements));
-    QVERIFY(!link->readAuto(0, 4, buffer));
-    QCOMPARE(value, quint8(0x77));
-    QCOMPARE(QByteArray(reinterpret_cast<char*>(elements), 6), hex("00 07 11 00 08 22"));
-    QCOMPARE(bus->opens(0), 0);
-    QVERIFY(bus->wireLog().isEmpty());
-}
-
-void tst_usb::deviceChoice_data()
-{
-    QTest::addColumn<QList<int>>("vendors");   // one board per entry
-    QTest::addColumn<QString>("selected");
-    QTest::addColumn<int>("opened");           // board index, -1 none
-    QTest::addColumn<QStringList>("listed");
-    QTest::newRow("no board") << QList<int>{} << "" << -1 << QStringList{};
-    QTest::newRow("one board, no selection") << QList<int>{0x2976} << "" << 0 << QStringList{"2976 3 1 5 "};
-    QTest::newRow("one board, stale selection") << QList<int>{0x2976} << "2976 3 1 9 " << 0
-                                                << QStringList{"2976 3 1 5 "};
-    QTest::newRow("two boards, no selection") << QList<int>{0x2976, 0x2976} << "" << -1
-                                              << QStringList{"2976 3 1 5 ", "2976 4 1 a "};
-    QTest::newRow("two boards, second selected") << QList<int>{0x2976, 0x2976} << "2976 4 1 a " << 1
-                                                 << QStringList{"2976 3 1 5 ", "2976 4 1 a "};
-    QTest::newRow("another vendor only") << QList<int>{0x1234} << "" << -1 << QStringList{};
-}
-
-void tst_usb::deviceChoice()
-{
-    QFETCH(QList<int>, vendors);
-    QFETCH(QString, selected);
-    QFETCH(int, opened);
-    QFETCH(QStringList, listed);
-    for (int i = 0; i < vendors.size(); ++i) {
-        zvsim::BoardConfig c;
-        c.vendor = quint16(vendors[i]);
-        c.product = quint16(3 + i);
-        c.address = quint8(5 + 5 * i);
-        bus->addBoard(c);
-    }
-    QVERIFY(link->scanDevices());
-    QStringList found = link->deviceList;
-    found.sort();
-    QCOMPARE(found, listed);
-    link->selectedKey = selected;
-    quint8 value = 0;
-    QCOMPARE(link->readRegister(1, &value), opened >= 0);
-    for (int i = 0; i < vendors.size(); ++i) {
-        QCOMPARE(bus->opens(i), i == opened ? 1 : 0);
-        QCOMPARE(bus->closes(i), i == opened ? 1 : 0);
-    }
-    QCOMPARE(link->statusText, opened >= 0 ? QString() : QStringLiteral("Refresh device list"));
-    if (opened >= 0)
-        QCOMPARE(value, bus->chip(opened).reg(1));
-}
-
-void tst_usb::kernelDriverDetached()
-{
-    zvsim::BoardConfig c;
-    c.kernelDriver = true;
-    bus->addBoard(c);
-    QVERIFY(bus->kernelDriverBound(0));
-    quint8 value = 0;
-    QVERIFY(link->readRegister(1, &value));
-    QVERIFY(!bus->kernelDriverBound(0));
-    QCOMPARE(value, bus->chip(0).reg(1));
-}
-
-void tst_usb::claimRefused()
-{
-    bus->addBoard();
-    bus->refuseClaim(0, true);
-    quint8 value = 0x42;
-    QVERIFY(!link->readRegister(1, &value));
-    QCOMPARE(value, quint8(0x42));
-    QCOMPARE(bus->opens(0), bus->closes(0));
-    bus->refuseClaim(0, false);
-    QVERIFY(link->readRegister(1, &value));
-}
-
-// A board that fails in the middle of an operation: the operation says so,
-// the caller's buffer keeps what it held, and the device is let go.
-void tst_usb::faults_data()
-{
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<QString>("operation");
-    for (const char* op : {"block", "auto", "register"}) {
-        QTest::addRow("unplugged, %s", op) << "unplug" << op;
-        QTest::addRow("stalled, %s", op) << "stall" << op;
-        QTest::addRow("short, %s", op) << "short" << op;
-    }
-}
-
-void tst_usb::faults()
-{
-    QFETCH(QString, fault);
-    QFETCH(QString, operation);
-    bus->addBoard();
-    const int afterTransfers = operation == "register" ? 1 : 5;
-    if (fault == "unplug") {
-        bus->unplugAfter(0, afterTransfers);
-    } else {
-        // Let the first frames pass, then fail the next one.
-        bus->unplugAfter(0, 1000);
-    }
-    std::vector<quint8> buffer(400, 0xEE);
-    for (int i = 0; i < 107; ++i) {
-        buffer[size_t(3 * i)] = 0;
-        buffer[size_t(3 * i + 1)] = quint8(i);
-    }
-    const std::vector<quint8> before = buffer;
-    if (fault == "stall")
-        bus->stallNext(0);
-    else if (fault == "short")
-        bus->shortNext(0, 3);
-    bool ok = true;
-    if (operation == "block")
-        ok = link->readBlock(107, buffer.data());
-    else if (operation == "auto")
-        ok = link->readAuto(0, 107, buffer.data());
-    else
-        ok = link->readRegister(1, buffer.data());
-    QVERIFY(!ok);
-    QVERIFY(buffer == before);
-    QCOMPARE(bus->opens(0), 1);
-    QCOMPARE(bus->closes(0), 1);
-}
-
-void tst_usb::chipValuesRoundTrip()
-{
-    bus->addBoard();
-    bus->chip(0).setRelease(3);
-    std::vector<quint8> data(291);
-    for (int r = 0; r < 291; ++r)
-        data[size_t(r)] = quint8(r * 13 + 1);
-    QVERIFY(link->writeAuto(0, 291, data.data()));
-    std::vector<quint8> back(291, 0);
-    QVERIFY(link->readAuto(0, 291, back.data()));
-    // Apart from the chip's own status (identity, temperature, channel B's
-    // lock bit), the registers hold what was written.
-    for (int r = 6; r < 291; ++r)
-        if (r != 36)
-            QCOMPARE(int(back[size_t(r)]), int(data[size_t(r)]));
-    QCOMPARE(back[1] & 7, 3);
-    QCOMPARE(bus->opens(0), 2);
-    QCOMPARE(bus->closes(0), 2);
-}
 
 QTEST_GUILESS_MAIN(tst_usb)
 #include "tst_usb.moc"

@@ -238,13 +238,17 @@ bool usb_link::writeBlock(int count, quint8* elements)
     return block(count, elements, true);
 }
 
-bool usb_link::readAuto(int start, int count, quint8* buffer)
+// Autoincrement frames of up to frameSize - 4 registers from start on: each
+// frame carries the first address and the data (written from source, or
+// read into target once every frame has come back whole).
+bool usb_link::autoincrement(int start, int count, const quint8* source, quint8* target)
 {
     if (interfaceKind != 0)
         return false;
     if (!openDevice())
         return false;
     const int perFrame = frameSize - 4;
+    const quint8 direction = source ? writeFlag : readFlag;
     std::vector<quint8> out(static_cast<size_t>(frameSize), 0), in(static_cast<size_t>(frameSize));
     std::vector<quint8> values(static_cast<size_t>(qMax(count, 0)));
     bool ok = true;
@@ -253,41 +257,27 @@ bool usb_link::readAuto(int start, int count, quint8* buffer)
         const int n = qMin(count - done, perFrame);
         out[0] = frameType;
         out[1] = quint8(n + 2);
-        out[2] = quint8((address >> 8) | autoFlag | readFlag);
+        out[2] = quint8((address >> 8) | autoFlag | direction);
         out[3] = quint8(address & 0xFF);
+        if (source)
+            std::memcpy(out.data() + 4, source + done, size_t(n));
         ok = exchange(out.data(), in.data(), 4 + n);
         if (ok)
             std::memcpy(values.data() + done, in.data() + 4, size_t(n));
         done += n;
     }
     closeDevice();
-    if (!ok)
-        return false;
-    if (count > 0)
-        std::memcpy(buffer, values.data(), size_t(count));
-    return true;
+    if (ok && target && count > 0)
+        std::memcpy(target, values.data(), size_t(count));
+    return ok;
+}
+
+bool usb_link::readAuto(int start, int count, quint8* buffer)
+{
+    return autoincrement(start, count, nullptr, buffer);
 }
 
 bool usb_link::writeAuto(int start, int count, const quint8* data)
 {
-    if (interfaceKind != 0)
-        return false;
-    if (!openDevice())
-        return false;
-    const int perFrame = frameSize - 4;
-    std::vector<quint8> out(static_cast<size_t>(frameSize)), in(static_cast<size_t>(frameSize));
-    bool ok = true;
-    for (int done = 0; ok && done < count;) {
-        const int address = start + done;
-        const int n = qMin(count - done, perFrame);
-        out[0] = frameType;
-        out[1] = quint8(n + 2);
-        out[2] = quint8((address >> 8) | autoFlag | writeFlag);
-        out[3] = quint8(address & 0xFF);
-        std::memcpy(out.data() + 4, data + done, size_t(n));
-        ok = exchange(out.data(), in.data(), 4 + n);
-        done += n;
-    }
-    closeDevice();
-    return ok;
+    return autoincrement(start, count, data, nullptr);
 }

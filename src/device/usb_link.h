@@ -80,6 +80,7 @@ private:
     bool exchange(quint8* out, quint8* in, int length);
     bool singleRegister(int address, quint8 mark, quint8 data, quint8* reply);
     bool block(int count, quint8* elements, bool write);
+    bool autoincrement(int start, int count, const quint8* source, quint8* target);
     int elementSize() const { return addressBytes + 1; }
     int elementAddress(const quint8* element) const;
 

@@ -82,10 +82,15 @@ QByteArray SimulatedChip::answer(const QByteArray& frame)
     for (int k = 0; 3 * k + 2 < payload + 0 && 3 * k + 4 < frame.size(); ++k) {
         const uint8_t hi = uint8_t(frame[2 + 3 * k]);
         const int address = ((hi & 0x3F) << 8) | uint8_t(frame[3 + 3 * k]);
-        if (hi & kRead)
+        if (hi & kRead) {
             reply[4 + 3 * k] = char(read(address));
-        else
+        } else {
+            // A written triple comes back with what the register holds
+            // afterwards, which differs where the chip keeps its own bits.
             write(address, uint8_t(frame[4 + 3 * k]));
+            if (address < kRegisters)
+                reply[4 + 3 * k] = char(regs[size_t(address)]);
+        }
     }
     return reply;
 }

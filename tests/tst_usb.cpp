@@ -117,6 +117,21 @@ private slots:
         QVERIFY(!bus->kernelDriverBound(0));
     }
 
+    // The chip's answers to a written block come back into the list from full
+    // frames only: registers 0, 1 and 5, and two bits of 4, keep the chip's values.
+    void writeBlockCopiesBackFullFrames()
+    {
+        bus->addBoard();
+        const int addresses[13] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 5, 0};
+        std::vector<quint8> list;
+        for (int a : addresses)
+            list.insert(list.end(), {0, quint8(a), 0x77});
+        QVERIFY(link->writeBlock(13, list.data()));
+        for (int i = 0; i < 13; ++i)
+            QCOMPARE(int(list[size_t(3 * i + 2)]), i < 10 ? int(bus->chip(0).reg(addresses[i])) : 0x77);
+        QVERIFY(bus->chip(0).reg(1) != 0x77);
+    }
+
     // Serial interfaces have no register protocol: every operation is refused
     // without touching the bus, blocks element by element.
     void interfaceKinds()

@@ -54,8 +54,9 @@ struct Board
     bool driverBound = false;
     bool refuseClaim = false;
     int unplugAfter = -1;
-    bool stallNext = false;
-    int shortNext = -1;
+    int stallAt = -1;    // index of the transfer that stalls
+    int shortFrom = -1;  // the first IN transfer from this index is short
+    int shortBytes = 0;
     int opens = 0;
     std::vector<UMockdevIoctlClient*> clients; // every client seen, referenced
     int transfers = 0;
@@ -259,12 +260,12 @@ void Testbed::Private::submit(Board* b, UMockdevIoctlClient* client, UMockdevIoc
                                     ? umockdev_ioctl_data_resolve(urbData, offsetof(usbdevfs_urb, buffer),
                                                                   gsize(urb.buffer_length), nullptr)
                                     : nullptr;
-    ++b->transfers;
+    const int index = b->transfers++;
     const bool out = !(urb.endpoint & 0x80);
     urb.status = 0;
     urb.actual_length = urb.buffer_length;
-    if (b->stallNext) {
-        b->stallNext = false;
+    if (index == b->stallAt) {
+        b->stallAt = -1;
         urb.status = -EPIPE;
         urb.actual_length = 0;
     } else if (out) {
@@ -275,9 +276,9 @@ void Testbed::Private::submit(Board* b, UMockdevIoctlClient* client, UMockdevIoc
     } else {
         QByteArray reply = b->pendingReply.left(urb.buffer_length);
         b->pendingReply.clear();
-        if (b->shortNext >= 0) {
-            reply.truncate(b->shortNext);
-            b->shortNext = -1;
+        if (b->shortFrom >= 0 && index >= b->shortFrom) {
+            reply.truncate(b->shortBytes);
+            b->shortFrom = -1;
         }
         urb.actual_length = reply.size();
         if (buffer && !reply.isEmpty())
@@ -402,16 +403,19 @@ void Testbed::unplugAfter(int board, int transfers)
     b->unplugAfter = b->transfers + transfers;
 }
 
-void Testbed::stallNext(int board)
+void Testbed::stallNext(int board, int after)
 {
     std::lock_guard<std::mutex> guard(d->mutex);
-    d->boards.at(size_t(board))->stallNext = true;
+    Board* b = d->boards.at(size_t(board)).get();
+    b->stallAt = b->transfers + after;
 }
 
-void Testbed::shortNext(int board, int bytes)
+void Testbed::shortNext(int board, int bytes, int after)
 {
     std::lock_guard<std::mutex> guard(d->mutex);
-    d->boards.at(size_t(board))->shortNext = bytes;
+    Board* b = d->boards.at(size_t(board)).get();
+    b->shortFrom = b->transfers + after;
+    b->shortBytes = bytes;
 }
 
 void Testbed::refuseClaim(int board, bool refuse)

@@ -51,8 +51,10 @@ public:
 
     // Faults, each for the given board.
     void unplugAfter(int board, int transfers); // later transfers fail: no device
-    void stallNext(int board);                  // the next transfer stalls
-    void shortNext(int board, int bytes);       // the next IN transfer moves only this many bytes
+    // The next transfer stalls; with `after`, the one after that many more.
+    void stallNext(int board, int after = 0);
+    // The next IN transfer (after `after` more transfers) moves only `bytes`.
+    void shortNext(int board, int bytes, int after = 0);
     void refuseClaim(int board, bool refuse);
 
     int opens(int board) const;

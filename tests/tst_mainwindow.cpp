@@ -10,7 +10,11 @@ class tst_mainwindow : public QObject
     Q_OBJECT
     std::unique_ptr<MainClass> main;
 private slots:
-    void initTestCase() { zvTestInit(), installTranslation(*QCoreApplication::instance()), main.reset(new MainClass); }
+    void initTestCase()
+    {
+        zvTestInit(), installTranslation(*QCoreApplication::instance()), main.reset(new MainClass);
+        QVERIFY(waitIdle(main.get()));
+    }
     void actions_data()
     {
         for (const char* column : {"text", "tip", "key"})

@@ -51,6 +51,7 @@ private slots:
     {
         zvTestInit();
         main = new MainClass;
+        QVERIFY(waitIdle(main));
         QVERIFY((map = main->firstMap()));
     }
     void cleanupTestCase() { delete main; }

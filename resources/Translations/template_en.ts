@@ -79,6 +79,34 @@
         <source>Map files (*.hex)</source>
         <translation>Map files (*.hex)</translation>
     </message>
+    <message>
+        <source>Чтение ИС</source>
+        <translation>Reading</translation>
+    </message>
+    <message>
+        <source>Запись ИС</source>
+        <translation>Writing</translation>
+    </message>
+    <message>
+        <source>Файл в ИС</source>
+        <translation>File→IC</translation>
+    </message>
+    <message>
+        <source>ИС в файл</source>
+        <translation>IC→file</translation>
+    </message>
+    <message>
+        <source>Загрузка</source>
+        <translation>Loading</translation>
+    </message>
+    <message>
+        <source>Сохранение</source>
+        <translation>Saving</translation>
+    </message>
+    <message>
+        <source>Регистр</source>
+        <translation>Register</translation>
+    </message>
 </context>
 <context>
     <name>mapshow</name>
@@ -113,6 +141,10 @@
     <message>
         <source>.hex file is not available</source>
         <translation>".hex" file is not available</translation>
+    </message>
+    <message>
+        <source>Ошибка обмена по USB: </source>
+        <translation>USB transfer error: </translation>
     </message>
 </context>
 <context>

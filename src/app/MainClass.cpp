@@ -7,6 +7,7 @@
 #include "windows.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QDir>
 #include <QEvent>
 #include <QKeyEvent>
@@ -60,6 +61,14 @@ MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, QWidget* parent)
 
 MainClass::~MainClass()
 {
+    // An operation still running is stopped and waited for; it may need the
+    // GUI thread to hand over the images meanwhile.
+    if (worker) {
+        disconnect(worker, nullptr, this, nullptr);
+        worker->interrupted = true;
+        while (worker && !worker->wait(5))
+            QCoreApplication::processEvents();
+    }
     delete ui;
 }
 
@@ -161,6 +170,8 @@ void MainClass::scanWindows()
         map->setWindowTitle(QStringLiteral("ZV4280(v2/v3)"));
         maps.insert(chip, map);
         windows.insert(chip, map);
+        // The map window takes the function keys like every other window.
+        map->installEventFilter(this);
 
         auto* mapAction = new QAction(chip, this);
         mapAction->setCheckable(true);

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "clerk.h"
+
 #include <QMainWindow>
 #include <QMap>
+#include <QPointer>
 #include <QString>
 
+class QAction;
 class QProgressBar;
-class clerk;
 class mapshow;
 class service_block;
 struct part;
@@ -33,7 +36,9 @@ public:
     QMap<QString, part*> outputs;
     QMap<QString, mapshow*> maps;
     QString lastPath;
-    clerk* worker = nullptr;
+    // The running operation; null when the program is idle. It follows the
+    // clerk's own deletion, so it never dangles.
+    QPointer<clerk> worker;
     QProgressBar* progressBar = nullptr;
 
     // The first register map, which all map-wide operations serve.
@@ -67,6 +72,15 @@ private:
     void setDefaultState();
     void toggleWindow(QWidget* window);
     static void showModal(const QString& text);
+
+    QAction* progressAction() const;
+    // Asks the running operation to stop; false when none runs.
+    bool stopRunning();
+    void startOperation(int command, const QString& fileName = QString());
+    // What a save needs from the widgets, collected before its thread starts.
+    void prepareSave(clerk* saver);
+    QString askFile(bool save, const QString& caption);
+    void pushImage(mapshow* map);
 
     Ui::MainClass* ui;
 };

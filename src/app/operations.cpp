@@ -1,20 +1,219 @@
+// The toolbar commands and the end of an operation: each command is one
+// clerk thread; pressing any command while one runs asks it to stop.
+
 #include "MainClass.h"
 #include "ui_MainClass.h"
 
+#include "clerk.h"
 #include "mapshow.h"
+#include "part.h"
+#include "service_block.h"
 
-// The toolbar commands. The worker that carries them out is not built yet:
-// the slots only keep the window's state as the commands will leave it.
+#include <QAction>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPixmap>
+#include <QProgressBar>
+#include <QSpinBox>
+#include <QTimer>
+#include <QToolBar>
+
+#include <vector>
+
+namespace {
+
+// What the progress bar says while a command runs.
+const char* const kOperationNames[] = {
+    "",
+    QT_TRANSLATE_NOOP("MainClass", "Чтение ИС"),
+    QT_TRANSLATE_NOOP("MainClass", "Запись ИС"),
+    QT_TRANSLATE_NOOP("MainClass", "Файл в ИС"),
+    QT_TRANSLATE_NOOP("MainClass", "ИС в файл"),
+    QT_TRANSLATE_NOOP("MainClass", "Загрузка"),
+    QT_TRANSLATE_NOOP("MainClass", "Сохранение"),
+    QT_TRANSLATE_NOOP("MainClass", "Регистр"),
+    QT_TRANSLATE_NOOP("MainClass", "Регистр"),
+};
+
+} // namespace
+
+QAction* MainClass::progressAction() const
+{
+    return ui->toolBar_RegWindow->actions().last();
+}
+
+bool MainClass::stopRunning()
+{
+    if (!worker)
+        return false;
+    worker->interrupted = true;
+    return true;
+}
+
+void MainClass::startOperation(int command, const QString& fileName)
+{
+    progressBar->setValue(0);
+    if (command >= 1 && command <= 8)
+        progressBar->setFormat(tr(kOperationNames[command]) + QStringLiteral(" %p%"));
+    progressAction()->setVisible(true);
+    worker = new clerk(command, fileName, service, maps);
+    if (command == 6)
+        prepareSave(worker);
+    connect(worker, &clerk::percent_up, progressBar, &QProgressBar::setValue);
+    connect(worker, &clerk::error_mess, this, &MainClass::error_message);
+    connect(worker, &QThread::finished, worker, &QObject::deleteLater);
+    worker->start(QThread::InheritPriority);
+}
+
+void MainClass::prepareSave(clerk*)
+{
+}
+
+// Asks for a file in lastPath; empty when the user cancelled. Backslashes
+// become slashes, and lastPath follows the chosen folder.
+QString MainClass::askFile(bool save, const QString& caption)
+{
+    const QString filter = tr("Map files (*.hex)");
+    QString path = save ? QFileDialog::getSaveFileName(this, caption, lastPath, filter)
+                        : QFileDialog::getOpenFileName(this, caption, lastPath, filter);
+    if (path.isEmpty())
+        return path;
+    path.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    lastPath = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
+    return path;
+}
 
 void MainClass::on_action_load_default_triggered()
 {
+    if (stopRunning())
+        return;
+    startOperation(5, QStringLiteral("default.hex"));
     setWindowTitle(QLatin1String(kWindowTitle));
 }
 
-void MainClass::on_action_GUIFILE_triggered() {}
-void MainClass::on_action_FILEGUI_triggered() {}
-void MainClass::on_action_FILEIC_triggered() {}
-void MainClass::on_action_GUIIC_triggered() {}
-void MainClass::on_action_ICGUI_triggered() {}
-void MainClass::on_Button_ICFILE_clicked() {}
-void MainClass::error_message(QString) {}
+void MainClass::on_action_GUIFILE_triggered()
+{
+    if (stopRunning())
+        return;
+    const QString path = askFile(true, tr("Save .hex"));
+    if (!path.isEmpty())
+        startOperation(6, path);
+}
+
+void MainClass::on_action_FILEGUI_triggered()
+{
+    if (stopRunning())
+        return;
+    const QString path = askFile(false, tr("Open .hex"));
+    if (path.isEmpty())
+        return;
+    startOperation(5, path);
+    setWindowTitle(QLatin1String(kWindowTitle) + path);
+}
+
+void MainClass::on_action_FILEIC_triggered()
+{
+    if (stopRunning())
+        return;
+    const QString path = askFile(false, tr("Open .hex"));
+    if (path.isEmpty())
+        return;
+    startOperation(3, path);
+    setWindowTitle(QLatin1String(kWindowTitle) + path);
+}
+
+void MainClass::on_action_GUIIC_triggered()
+{
+    if (!stopRunning())
+        startOperation(2);
+}
+
+// The action is checkable: checked, an idle program reads the chip; pressing
+// it again (unchecked) stops a running operation and ends repeat read.
+void MainClass::on_action_ICGUI_triggered()
+{
+    if (stopRunning() || !ui->action_ICGUI->isChecked())
+        return;
+    startOperation(1);
+}
+
+// Chip to file asks for the file first, even while an operation runs.
+void MainClass::on_Button_ICFILE_clicked()
+{
+    const QString path = askFile(true, tr("Open file"));
+    if (path.isEmpty() || stopRunning())
+        return;
+    startOperation(4, path);
+}
+
+// Every operation ends here, on the GUI thread: a failure is shown, a
+// success brings the new images into the widgets and the displays.
+void MainClass::error_message(QString m)
+{
+    if (!worker)
+        return; // a second end message of an operation already ended
+    if (!m.isEmpty()) {
+        showModal(m);
+        progressAction()->setVisible(false);
+        if (ui->action_ICGUI->isChecked())
+            ui->action_ICGUI->setChecked(false);
+        worker = nullptr;
+        return;
+    }
+
+    const int cmd = worker->command;
+    mapshow* map = firstMap();
+    if (cmd == 1 || cmd == 5) {
+        pushImage(map);
+        map->refreshRegisterView();
+        map->repaint();
+        if (service->setting(QStringLiteral("RepeatRead")) == 0)
+            ui->action_ICGUI->setChecked(false);
+        else if (ui->action_ICGUI->isChecked())
+            QTimer::singleShot(service->setting(QStringLiteral("AutoPause")) * 1000, this,
+                               &MainClass::on_action_ICGUI_triggered);
+    }
+    if (cmd == 5) {
+        // A file cannot tell what the chip's status fields read: they show
+        // "n/a" and the bulbs the disabled picture until the next read.
+        for (part* p : qAsConst(outputs)) {
+            if (auto* label = qobject_cast<QLabel*>(p->widget)) {
+                if (p->width == 1)
+                    label->setPixmap(QPixmap(QStringLiteral(":/Bulb-disabled.png")));
+                else
+                    label->setText(QStringLiteral("n/a"));
+            } else if (auto* edit = qobject_cast<QLineEdit*>(p->widget)) {
+                if (!edit->objectName().contains(QLatin1String("_Expression")))
+                    edit->setText(QStringLiteral("n/a"));
+            }
+        }
+    } else {
+        // Spin boxes with a display recompute it even when their value did
+        // not change.
+        for (auto it = outputs.cbegin(); it != outputs.cend(); ++it) {
+            const part* field = map->parts.value(it.key());
+            if (!field)
+                continue;
+            if (auto* box = qobject_cast<QSpinBox*>(field->widget))
+                if (QLatin1String(box->metaObject()->className()) == QLatin1String("QSpinBox"))
+                    emit box->valueChanged(int(map->getPartValue(it.key())));
+        }
+    }
+    progressBar->setValue(100);
+    map->refreshRegisterView();
+    progressAction()->setVisible(false);
+    worker = nullptr;
+}
+
+// Shows guiImage in every widget, in key order. A widget that changes runs
+// its rules, and a rule may re-fire another widget whose turn has not come
+// yet, which would write that widget's old value into the image; so the
+// widgets are set from a copy of the image as it stood before the push.
+void MainClass::pushImage(mapshow* map)
+{
+    const std::vector<quint8> image(map->guiImage, map->guiImage + map->registerCount);
+    for (auto it = map->parts.cbegin(); it != map->parts.cend(); ++it)
+        map->setPartValue(it.key(), image.data());
+}

@@ -44,6 +44,7 @@ bool usb_link::scanDevices()
 bool usb_link::openDevice()
 {
     lock.lock();
+    failure.clear();
     if (libusb_init(nullptr) < 0) {
         lock.unlock();
         return false;
@@ -131,9 +132,42 @@ int usb_link::bulkExchange(quint8* out, quint8* in, int length)
 // (a reply longer than asked is an overflow error with a full count).
 bool usb_link::exchange(quint8* out, quint8* in, int length)
 {
-    if (bulkOut(out, length) != length || lastTransferResult != 0)
-        return false;
-    return bulkIn(in, length) == length && lastTransferResult == 0;
+    for (bool toBoard : {true, false}) {
+        const int moved = toBoard ? bulkOut(out, length) : bulkIn(in, length);
+        if (lastTransferResult != 0) {
+            failure = QString::fromLatin1(libusb_error_name(lastTransferResult));
+            return false;
+        }
+        if (moved != length) {
+            failure = QStringLiteral("short %1, %2 of %3 bytes")
+                          .arg(toBoard ? QStringLiteral("frame") : QStringLiteral("reply"))
+                          .arg(moved)
+                          .arg(length);
+            return false;
+        }
+    }
+    return true;
+}
+
+// An operation the chosen interface does not serve: no transfer, so no
+// transfer failure either.
+bool usb_link::refuse()
+{
+    QMutexLocker guard(&lock);
+    failure.clear();
+    return false;
+}
+
+QString usb_link::transferFailure() const
+{
+    QMutexLocker guard(&lock);
+    return failure;
+}
+
+QString usb_link::currentStatusText() const
+{
+    QMutexLocker guard(&lock);
+    return statusText;
 }
 
 bool usb_link::singleRegister(int address, quint8 mark, quint8 data, quint8* reply)
@@ -150,7 +184,7 @@ bool usb_link::singleRegister(int address, quint8 mark, quint8 data, quint8* rep
 bool usb_link::readRegister(int address, quint8* value)
 {
     if (interfaceKind != 0)
-        return false;
+        return refuse();
     quint8 reply[5];
     if (!singleRegister(address, readFlag, 0, reply))
         return false;
@@ -161,7 +195,7 @@ bool usb_link::readRegister(int address, quint8* value)
 bool usb_link::writeRegister(int address, const quint8* value)
 {
     if (interfaceKind != 0)
-        return false;
+        return refuse();
     quint8 reply[5];
     return singleRegister(address, writeFlag, *value, reply);
 }
@@ -187,7 +221,7 @@ bool usb_link::block(int count, quint8* elements, bool write)
         return true;
     }
     if (interfaceKind != 0 || count < 0)
-        return false;
+        return refuse();
     if (!openDevice())
         return false;
     const int perFrame = (frameSize - 2) / 3;
@@ -244,7 +278,7 @@ bool usb_link::writeBlock(int count, quint8* elements)
 bool usb_link::autoincrement(int start, int count, const quint8* source, quint8* target)
 {
     if (interfaceKind != 0)
-        return false;
+        return refuse();
     if (!openDevice())
         return false;
     const int perFrame = frameSize - 4;

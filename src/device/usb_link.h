@@ -50,6 +50,13 @@ public:
     // The libusb result of the last bulk transfer (0 when it went through).
     int lastTransferResult = 0;
 
+    // Why the last register operation's transfers failed, e.g. "LIBUSB_ERROR_NO_DEVICE"
+    // or "short reply, 3 of 32 bytes"; empty when they went through or when
+    // the device could not be opened at all.
+    QString transferFailure() const;
+    // statusText, read safely from any thread.
+    QString currentStatusText() const;
+
     // The vendor identifier of every bridge board; the product may be any.
     static constexpr quint16 kBridgeVendor = 0x2976;
     static constexpr unsigned kTimeoutMs = 5000;
@@ -81,8 +88,10 @@ private:
     bool singleRegister(int address, quint8 mark, quint8 data, quint8* reply);
     bool block(int count, quint8* elements, bool write);
     bool autoincrement(int start, int count, const quint8* source, quint8* target);
+    bool refuse();
     int elementSize() const { return addressBytes + 1; }
     int elementAddress(const quint8* element) const;
 
-    QRecursiveMutex lock;
+    mutable QRecursiveMutex lock;
+    QString failure;
 };

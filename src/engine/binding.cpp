@@ -113,9 +113,16 @@ void mapshow::setPartValue(const QString& fieldKey, const quint8* image)
     case Kind::Check:
         static_cast<QAbstractButton*>(w)->setChecked(value != 0);
         break;
-    case Kind::Combo:
-        static_cast<QComboBox*>(w)->setCurrentIndex(int(value));
+    case Kind::Combo: {
+        auto* box = static_cast<QComboBox*>(w);
+        // A code the list has no item for leaves the box without a current
+        // item, and the image keeps the code: it goes into guiImage first, so
+        // that the change the box reports keeps this code and not an older one.
+        if (int(value) >= box->count())
+            writeField(*p, value);
+        box->setCurrentIndex(int(value));
         break;
+    }
     case Kind::Spin:
         static_cast<QSpinBox*>(w)->setValue(int(value));
         break;
@@ -147,11 +154,18 @@ quint32 mapshow::applyPartToImage(const QString& fieldKey)
     if (!p)
         return 0;
     const quint32 result = getPartValue(fieldKey);
-    quint32 value = result;
-    for (int i = p->positions.size() - 1; i >= 0; --i) {
-        const qint32 w = qint32(p->widths.value(i));
+    writeField(*p, result);
+    return result;
+}
+
+// Writes a field's code into guiImage, last bit of the last segment first;
+// only bits that differ are written, and the view is told of each.
+void mapshow::writeField(const part& p, quint32 value)
+{
+    for (int i = p.positions.size() - 1; i >= 0; --i) {
+        const qint32 w = qint32(p.widths.value(i));
         for (qint32 b = 0; b < w; ++b) {
-            const qint32 position = qint32(p->positions.at(i)) + w - 1 - b;
+            const qint32 position = qint32(p.positions.at(i)) + w - 1 - b;
             const int bit = int(value & 1u);
             if (getBit(guiImage, position) != bit) {
                 setBit(guiImage, position, bit);
@@ -161,5 +175,4 @@ quint32 mapshow::applyPartToImage(const QString& fieldKey)
             value >>= 1;
         }
     }
-    return result;
 }

@@ -78,6 +78,7 @@ public slots:
 private:
     quint32 runValue(const quint8* image, qint32 position, qint32 width) const;
     quint32 fieldImageValue(const part& p, const quint8* image) const;
+    void writeField(const part& p, quint32 value);
     void dropOld(int index);
     void setUpView();
 

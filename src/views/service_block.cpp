@@ -91,9 +91,21 @@ void service_block::store(QObject* control)
         value = spin->value();
     else
         return;
-    settings[key] = value;
+    setSetting(key, value);
     if (key == QLatin1String("PauseTimer"))
-        settings[QStringLiteral("writePause")] = value;
+        setSetting(QStringLiteral("writePause"), value);
+}
+
+int service_block::setting(const QString& key)
+{
+    QMutexLocker guard(&settingsLock);
+    return settings[key];
+}
+
+void service_block::setSetting(const QString& key, int value)
+{
+    QMutexLocker guard(&settingsLock);
+    settings[key] = value;
 }
 
 void service_block::changeFlag(int value)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMap>
+#include <QMutex>
 #include <QString>
 #include <QWidget>
 
@@ -26,6 +27,12 @@ public:
     QMap<QString, int> settings;
     usb_link* usb = nullptr;
 
+    // A setting as the worker reads it, by name at the moment of use: a name
+    // nobody has set reads 0 and is entered with 0. Safe from any thread.
+    int setting(const QString& key);
+    // Enters a setting from any thread.
+    void setSetting(const QString& key, int value);
+
 public slots:
     void changeFlag(int value);
     void on_ButtonReadRegister_clicked();
@@ -43,4 +50,5 @@ private:
     void showInterfaceError(quint8 value);
 
     Ui::service_block* ui;
+    QMutex settingsLock;
 };

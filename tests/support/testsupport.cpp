@@ -1,9 +1,11 @@
 #include "testsupport.h"
 
+#include "MainClass.h"
 #include "resources_init.h"
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QTest>
 
 ModalCatcher::ModalCatcher(QObject* parent) : QObject(parent)
 {
@@ -22,4 +24,9 @@ void ModalCatcher::poll()
 void zvTestInit()
 {
     zvInitResources();
+}
+
+bool waitIdle(MainClass* window, int timeoutMs)
+{
+    return QTest::qWaitFor([window] { return !window->worker; }, timeoutMs);
 }

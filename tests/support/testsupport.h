@@ -21,6 +21,13 @@ private:
     QTimer timer;
 };
 
+class MainClass;
+
+// Lets the main window's running operation (the load of "default.hex" at
+// start, say) come to its end; false when it is still running after the
+// timeout.
+bool waitIdle(MainClass* window, int timeoutMs = 20000);
+
 // Sets up the embedded resources and the offscreen platform's translator
 // once per test program.
 void zvTestInit();

@@ -1,0 +1,177 @@
+// The worker's chip operations: read the whole chip into the images, write
+// the GUI state to the chip (all registers or only the changes), and read or
+// write one register by number.
+
+#include "clerk.h"
+
+#include "mapshow.h"
+#include "service_block.h"
+#include "usb_link.h"
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+// The list of a block operation: (address high, address low, value) per
+// register, or (address, value) with one address byte.
+std::vector<quint8> blockList(const std::vector<int>& addresses, const quint8* values, int addressBytes)
+{
+    std::vector<quint8> list;
+    list.reserve(addresses.size() * size_t(addressBytes + 1));
+    for (size_t i = 0; i < addresses.size(); ++i) {
+        const int a = addresses[i];
+        if (addressBytes == 2)
+            list.push_back(quint8(a >> 8));
+        list.push_back(quint8(a & 0xFF));
+        list.push_back(values ? values[i] : 0);
+    }
+    return list;
+}
+
+// Addresses 0 to count - 1.
+std::vector<int> allRegisters(int count)
+{
+    std::vector<int> addresses(static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i)
+        addresses[static_cast<size_t>(i)] = i;
+    return addresses;
+}
+
+} // namespace
+
+// Command 1. The images change only at the end, once every register is in:
+// a stop or a failure on the way leaves them as they were.
+QString clerk::chipRead()
+{
+    mapshow* map = firstMap();
+    const int count = int(map->registerCount);
+    emit percent_up(0);
+    onGuiThread([map] { map->dropOldGUI(); });
+    std::vector<quint8> buffer(static_cast<size_t>(count), 0);
+
+    switch (setting("ReadStyle")) {
+    case 0:
+        for (int i = 0; i < count; ++i) {
+            if (interrupted)
+                return tr("Interrupted");
+            emit percent_up(i * 75 / count);
+            if (!link()->readRegister(i, &buffer[size_t(i)]))
+                return interfaceError();
+        }
+        break;
+    case 1: {
+        const int size = link()->addressBytes + 1;
+        std::vector<quint8> list = blockList(allRegisters(count), nullptr, link()->addressBytes);
+        if (!link()->readBlock(count, list.data()))
+            return interfaceError();
+        for (int i = 0; i < count; ++i)
+            buffer[size_t(i)] = list[size_t(i * size + size - 1)];
+        break;
+    }
+    case 2:
+        if (!link()->readAuto(0, count, buffer.data()))
+            return interfaceError();
+        break;
+    default:
+        break; // an unknown style reads nothing
+    }
+
+    emit percent_up(75);
+    onGuiThread([map, &buffer, count] {
+        map->dropOldIC();
+        std::memcpy(map->icImage, buffer.data(), size_t(count));
+        std::memcpy(map->guiImage, buffer.data(), size_t(count));
+    });
+    emit percent_up(100);
+    return QString();
+}
+
+// Command 2, for each register map: all registers in the write style, or
+// only those where guiImage differs from icImage, always in block frames.
+// With "InteractiveRefresh" the chip is read back after the pause, and the
+// operation ends as a read.
+QString clerk::chipWrite()
+{
+    for (mapshow* map : qAsConst(maps)) {
+        const int count = int(map->registerCount);
+        std::vector<quint8> gui(static_cast<size_t>(count)), ic(static_cast<size_t>(count));
+        onGuiThread([&] {
+            std::memcpy(gui.data(), map->guiImage, size_t(count));
+            std::memcpy(ic.data(), map->icImage, size_t(count));
+        });
+
+        if (setting("ChangesOnly") == 0) {
+            switch (setting("WriteStyle")) {
+            case 1: {
+                std::vector<quint8> list = blockList(allRegisters(count), gui.data(), link()->addressBytes);
+                if (!link()->writeBlock(count, list.data()))
+                    return interfaceError();
+                break;
+            }
+            case 2:
+                if (!link()->writeAuto(0, count, gui.data()))
+                    return statusOrInterfaceError();
+                break;
+            case 0:
+                for (int i = 0; i < count; ++i) {
+                    if (!link()->writeRegister(i, &gui[size_t(i)]))
+                        return interfaceError();
+                    if (interrupted)
+                        return tr("Interrupted");
+                }
+                break;
+            default:
+                return tr("Недокументированная \nкомбинация флагов");
+            }
+        } else {
+            const int style = setting("WriteStyle");
+            if (style < 0 || style > 2)
+                return QStringLiteral("Недокументированная \nкомбинация флагов");
+            std::vector<int> addresses;
+            std::vector<quint8> values;
+            for (int i = 0; i < count; ++i) {
+                if (gui[size_t(i)] != ic[size_t(i)]) {
+                    addresses.push_back(i);
+                    values.push_back(gui[size_t(i)]);
+                }
+            }
+            std::vector<quint8> list = blockList(addresses, values.data(), link()->addressBytes);
+            if (!link()->writeBlock(int(addresses.size()), list.data()))
+                return statusOrInterfaceError();
+        }
+
+        if (setting("InteractiveRefresh") != 0) {
+            if (!pause())
+                return tr("Interrupted");
+            command = 1;
+            emit percent_up(45);
+            return chipRead();
+        }
+        emit percent_up(100);
+        return QString();
+    }
+    return QString();
+}
+
+// Command 7: the register "RegisterNumber" into the setting "RegisterValue".
+QString clerk::readOne()
+{
+    emit percent_up(1);
+    quint8 value = 0;
+    link()->readRegister(setting("RegisterNumber"), &value);
+    emit percent_up(50);
+    service->setSetting(QStringLiteral("RegisterValue"), value);
+    emit percent_up(100);
+    return QString();
+}
+
+// Command 8: the low byte of "RegisterValue" into register "RegisterNumber".
+QString clerk::writeOne()
+{
+    emit percent_up(1);
+    const quint8 value = quint8(setting("RegisterValue") & 0xFF);
+    link()->writeRegister(setting("RegisterNumber"), &value);
+    emit percent_up(100);
+    return QString();
+}

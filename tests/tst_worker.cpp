@@ -1,0 +1,505 @@
+#include "MainClass.h"
+#include "clerk.h"
+#include "mapshow.h"
+#include "part.h"
+#include "service_block.h"
+#include "testbed.h"
+#include "testsupport.h"
+#include "translation.h"
+#include "usb_link.h"
+#include <QtTest>
+#include <QtWidgets>
+#include <random>
+
+// The operations of the real main window on a simulated board: chip read and
+// write, the stop request, faults on the wire, repeat read, the end of an
+// operation in the widgets, and the function keys of every window.
+class tst_worker : public QObject
+{
+    Q_OBJECT
+    std::unique_ptr<zvsim::Testbed> bus;
+    MainClass* main = nullptr;
+    mapshow* map = nullptr;
+    int board = 0;
+    std::mt19937 random{4280};
+
+    QAction* action(const char* name) const { return main->findChild<QAction*>(name); }
+    bool progressShown() const { return main->findChild<QToolBar*>("toolBar_RegWindow")->actions().last()->isVisible(); }
+    void set(const char* key, int value) { main->service->setSetting(key, value); }
+    QByteArray image(const quint8* i) const { return QByteArray(reinterpret_cast<const char*>(i), int(map->registerCount)); }
+    QByteArray images() const { return image(map->guiImage) + image(map->icImage) + image(map->cfgImage); }
+    QByteArray chip() const
+    {
+        QByteArray regs;
+        for (int r = 0; r < zvsim::SimulatedChip::kRegisters; ++r)
+            regs += char(bus->chip(board).reg(r));
+        return regs;
+    }
+    // Random contents for the registers the chip does not fill itself;
+    // register 11 (the C-divider) at 4 or more, as its box cannot go lower.
+    void fillChip()
+    {
+        for (int r = 6; r < zvsim::SimulatedChip::kRegisters; ++r)
+            if (r != 36)
+                bus->chip(board).setReg(r, quint8(random()));
+        bus->chip(board).setReg(11, quint8(4 + random() % 250));
+    }
+    QList<QByteArray> sent() const
+    {
+        QList<QByteArray> frames;
+        for (const zvsim::WireFrame& f : bus->wireLog())
+            if (f.out)
+                frames << f.bytes;
+        return frames;
+    }
+    // Runs one command from its action and returns the messages it showed.
+    QStringList run(const char* actionName)
+    {
+        ModalCatcher catcher;
+        action(actionName)->trigger();
+        if (!waitIdle(main))
+            return {"still running"};
+        QTest::qWait(10); // a message box shown at the very end
+        return catcher.texts;
+    }
+    QStringList read()
+    {
+        action("action_ICGUI")->setChecked(false);
+        return run("action_ICGUI");
+    }
+    // The code every editing widget stands for, keyed by field (a combo box
+    // without an item for its code stands for the code the image keeps).
+    QMap<QString, quint32> shownCodes() const
+    {
+        QMap<QString, quint32> codes;
+        for (const part* p : map->parts)
+            if (!main->outputs.contains(p->name))
+                codes.insert(p->name, map->getPartValue(p->name));
+        return codes;
+    }
+    QMap<QString, quint32> codesIn(const QByteArray& regs) const
+    {
+        QMap<QString, quint32> codes;
+        for (const part* p : map->parts) {
+            if (main->outputs.contains(p->name))
+                continue;
+            quint32 v = 0;
+            for (int b = 0; b < p->width; ++b)
+                v = v << 1 | ((quint8(regs[(p->position + b) / 8]) >> (7 - (p->position + b) % 8)) & 1);
+            codes.insert(p->name, v);
+        }
+        return codes;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        zvTestInit();
+        installTranslation(*QCoreApplication::instance());
+        if (!zvsim::Testbed::available())
+            QSKIP("needs umockdev-wrapper");
+        bus.reset(new zvsim::Testbed);
+        board = bus->addBoard();
+        main = new MainClass;
+        QVERIFY(waitIdle(main));
+        map = main->firstMap();
+        bus.reset();
+    }
+    void init()
+    {
+        bus.reset(new zvsim::Testbed);
+        board = bus->addBoard();
+        for (auto [key, value] : {std::pair{"ReadStyle", 2}, {"WriteStyle", 1}, {"ChangesOnly", 1},
+                                  {"InteractiveRefresh", 1}, {"writePause", 0}, {"RepeatRead", 0}})
+            set(key, value);
+    }
+    void cleanup()
+    {
+        QVERIFY(waitIdle(main));
+        for (int b = 0; b <= board; ++b) {
+            QCOMPARE(bus->claims(b), bus->releases(b));
+            QCOMPARE(bus->closes(b), bus->opens(b));
+        }
+        bus.reset();
+    }
+    void cleanupTestCase() { delete main; }
+
+    void readInEachStyle_data()
+    {
+        QTest::addColumn<int>("style");
+        QTest::addColumn<QList<int>>("progress");
+        QList<int> oneByOne;
+        for (int p = 0; p < 75; ++p)
+            oneByOne << p;
+        QTest::newRow("one register at a time") << 0 << (oneByOne << 75 << 100);
+        QTest::newRow("blocks") << 1 << QList<int>{0, 75, 100};
+        QTest::newRow("autoincrement") << 2 << QList<int>{0, 75, 100};
+    }
+    void readInEachStyle()
+    {
+        QFETCH(int, style);
+        QFETCH(QList<int>, progress);
+        fillChip();
+        set("ReadStyle", style);
+        QSignalSpy values(main->progressBar, &QProgressBar::valueChanged);
+        QCOMPARE(read(), QStringList());
+        QCOMPARE(image(map->icImage), chip());
+        QCOMPARE(image(map->guiImage), chip());
+        QCOMPARE(shownCodes(), codesIn(chip()));
+        QList<int> seen;
+        for (const QList<QVariant>& v : values)
+            seen << v.at(0).toInt();
+        QCOMPARE(seen, progress);
+        QVERIFY(!progressShown() && !action("action_ICGUI")->isChecked());
+    }
+
+    // A chip whose clock output type and source both differ from the widgets:
+    // the type's rules re-fire the source before the source has been set.
+    void readKeepsTheChipsClockCodes()
+    {
+        fillChip();
+        read();
+        for (auto [type, source] : {std::pair{0, 0}, {2, 1}, {3, 4}, {1, 2}}) {
+            bus->chip(board).setReg(10, quint8((bus->chip(board).reg(10) & 0xE0) | type << 3 | source));
+            QCOMPARE(read(), QStringList());
+            QCOMPARE(image(map->guiImage), chip());
+            QCOMPARE(map->getPartValue("CLK_OUT_TP_ZV4280v2"), quint32(type));
+            QCOMPARE(map->getPartValue("CLK_SOURCE_ZV4280v2"), quint32(source));
+        }
+    }
+
+    void stopRequest_data()
+    {
+        QTest::addColumn<int>("style");
+        QTest::addColumn<QStringList>("messages");
+        QTest::newRow("one at a time: stopped") << 0 << QStringList{"Interrupted"};
+        QTest::newRow("blocks: not seen") << 1 << QStringList();
+        QTest::newRow("autoincrement: not seen") << 2 << QStringList();
+    }
+    void stopRequest()
+    {
+        QFETCH(int, style);
+        QFETCH(QStringList, messages);
+        read();
+        fillChip();
+        set("ReadStyle", style);
+        const QByteArray before = images();
+        ModalCatcher catcher;
+        action("action_ICGUI")->trigger();
+        if (style == 0)
+            QTRY_VERIFY(main->progressBar->value() >= 10);
+        action("action_ICGUI")->trigger(); // unchecks it: stop
+        QVERIFY(waitIdle(main));
+        QTest::qWait(10);
+        QCOMPARE(catcher.texts, messages);
+        QCOMPARE(images() == before, style == 0);
+        QVERIFY(!action("action_ICGUI")->isChecked());
+    }
+
+    void chipIdentity_data()
+    {
+        QTest::addColumn<int>("reg1");
+        QTest::addColumn<int>("command");
+        QTest::addColumn<bool>("refused");
+        for (int reg1 : {0x01, 0x09, 0xF9, 0x02})
+            for (int command = 1; command <= 6; ++command)
+                QTest::addRow("register 1 = %02X, command %d", reg1, command)
+                    << reg1 << command << (reg1 != 0x02 && command <= 4);
+    }
+    void chipIdentity()
+    {
+        QFETCH(int, reg1);
+        QFETCH(int, command);
+        QFETCH(bool, refused);
+        set("InteractiveRefresh", 0);
+        bus->chip(board).setReg(1, quint8(reg1));
+        QTemporaryDir dir;
+        clerk worker(command, command == 5 ? QStringLiteral("default.hex") : dir.filePath("x.hex"), main->service,
+                     main->maps);
+        QSignalSpy end(&worker, &clerk::error_mess);
+        worker.start();
+        QVERIFY(end.wait(10000));
+        QVERIFY(worker.wait(5000));
+        QCOMPARE(end.count(), 1);
+        QCOMPARE(end.at(0).at(0).toString() == "Incorrect chip", refused);
+    }
+
+    void endWithoutMaps()
+    {
+        clerk worker(1, QString(), main->service, {});
+        QSignalSpy end(&worker, &clerk::error_mess);
+        worker.start();
+        QVERIFY(end.wait(5000) && worker.wait(5000));
+        QCOMPARE(end.at(0).at(0).toString(), QStringLiteral("Regmap not defined"));
+        QVERIFY(bus->wireLog().isEmpty());
+        for (int command : {0, 9}) {
+            clerk odd(command, QString(), main->service, main->maps);
+            QSignalSpy oddEnd(&odd, &clerk::error_mess);
+            odd.start();
+            QVERIFY(oddEnd.wait(5000) && odd.wait(5000));
+            QCOMPARE(oddEnd.at(0).at(0).toString(), QStringLiteral("Unexpected error"));
+        }
+    }
+
+    void changesOnlyWrite()
+    {
+        fillChip();
+        read();
+        set("InteractiveRefresh", 0);
+        bus->clearWireLog();
+        const int opens = bus->opens(board);
+        QCOMPARE(run("action_GUIIC"), QStringList());
+        QCOMPARE(sent(), QList<QByteArray>({QByteArray::fromHex("1503800100"), QByteArray::fromHex("1500")}));
+        QCOMPARE(bus->opens(board), opens + 2); // the identity read and the write
+
+        // One field changed: exactly its register, in a block frame, with
+        // the empty frame behind it as a count below ten leaves none.
+        auto* rdiv = qobject_cast<QSpinBox*>(map->parts.value("ChA_PLL_RDiv_ZV4280v2")->widget);
+        rdiv->setValue(rdiv->value() == 7 ? 9 : 7);
+        const quint8 reg21 = map->guiImage[21];
+        bus->clearWireLog();
+        QCOMPARE(run("action_GUIIC"), QStringList());
+        QCOMPARE(sent().mid(1), QList<QByteArray>({QByteArray::fromHex("15030015") + char(reg21)}));
+        QCOMPARE(bus->chip(board).reg(21), reg21);
+        // With no read-back the chip's answer is not in icImage: the same
+        // register goes again.
+        bus->clearWireLog();
+        run("action_GUIIC");
+        QCOMPARE(sent().size(), 2);
+    }
+
+    void fullWrite_data()
+    {
+        QTest::addColumn<int>("style");
+        QTest::addColumn<int>("frames");
+        QTest::addColumn<QByteArray>("first");
+        QTest::addColumn<QByteArray>("last");
+        QTest::newRow("one at a time") << 0 << 291 << QByteArray::fromHex("15030000") << QByteArray::fromHex("15030122");
+        QTest::newRow("blocks") << 1 << 30 << QByteArray::fromHex("151E0000") << QByteArray::fromHex("15030122");
+        QTest::newRow("autoincrement") << 2 << 11 << QByteArray::fromHex("151E4000") << QByteArray::fromHex("150D4118");
+    }
+    void fullWrite()
+    {
+        QFETCH(int, style);
+        QFETCH(int, frames);
+        QFETCH(QByteArray, first);
+        QFETCH(QByteArray, last);
+        for (quint32 r = 0; r < map->registerCount; ++r)
+            map->guiImage[r] = quint8(random());
+        set("ChangesOnly", 0), set("WriteStyle", style), set("InteractiveRefresh", 0);
+        bus->clearWireLog();
+        const QByteArray gui = image(map->guiImage);
+        QCOMPARE(run("action_GUIIC"), QStringList());
+        const QList<QByteArray> out = sent().mid(1);
+        QCOMPARE(out.size(), frames);
+        QVERIFY(out.first().startsWith(first) && out.last().startsWith(last));
+        const QByteArray regs = chip();
+        for (int r = 6; r < 291; ++r)
+            QVERIFY2(regs[r] == gui[r], qPrintable(QString::number(r)));
+    }
+
+    void writeReadsBack()
+    {
+        set("writePause", 30);
+        auto* rdiv = qobject_cast<QSpinBox*>(map->parts.value("ChA_PLL_RDiv_ZV4280v2")->widget);
+        rdiv->setValue(rdiv->value() == 5 ? 6 : 5);
+        QSignalSpy values(main->progressBar, &QProgressBar::valueChanged);
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(run("action_GUIIC"), QStringList());
+        QVERIFY(clock.elapsed() >= 30);
+        QList<int> seen;
+        for (const QList<QVariant>& v : values)
+            seen << v.at(0).toInt();
+        QCOMPARE(seen, QList<int>({0, 45, 0, 75, 100}));
+        QCOMPARE(image(map->icImage), chip());
+        QCOMPARE(shownCodes(), codesIn(chip()));
+
+        // A stop during the pause ends the operation there.
+        set("writePause", 60000);
+        rdiv->setValue(rdiv->value() + 1);
+        ModalCatcher catcher;
+        action("action_GUIIC")->trigger();
+        QTest::qWait(100);
+        action("action_GUIIC")->trigger();
+        QVERIFY(waitIdle(main, 3000));
+        QTest::qWait(10);
+        QCOMPARE(catcher.texts, QStringList({"Interrupted"}));
+    }
+
+    // The board fails in the middle of a read: a message, the images as they
+    // were, and the next read works once the board is back.
+    void faults_data()
+    {
+        QTest::addColumn<int>("style");
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QString>("message");
+        for (int style : {0, 1, 2}) {
+            QTest::addRow("unplugged, style %d", style) << style << "unplug" << "USB transfer error: LIBUSB_ERROR_NO_DEVICE";
+            QTest::addRow("stall, style %d", style) << style << "stall" << "USB transfer error: LIBUSB_ERROR_PIPE";
+            QTest::addRow("short reply, style %d", style) << style << "short" << "USB transfer error: short reply, 3 of ";
+        }
+        QTest::newRow("board gone before the read") << 2 << "gone" << "Interface error 5 ";
+    }
+    void faults()
+    {
+        QFETCH(int, style);
+        QFETCH(QString, fault);
+        QFETCH(QString, message);
+        read();
+        fillChip();
+        set("ReadStyle", style);
+        const QByteArray before = images();
+        const int after = 2 + 2 * 3; // the identity read, then three exchanges
+        if (fault == "unplug")
+            bus->unplugAfter(board, after);
+        else if (fault == "stall")
+            bus->stallNext(board, after);
+        else if (fault == "short")
+            bus->shortNext(board, 3, after);
+        else
+            bus->removeBoard(board);
+        const QStringList messages = read();
+        QCOMPARE(messages.size(), 1);
+        if (fault == "gone")
+            QCOMPARE(messages.first(), message);
+        else
+            QVERIFY2(messages.first().startsWith(message), qPrintable(messages.first()));
+        QCOMPARE(images(), before);
+        QVERIFY(!main->worker && !progressShown());
+
+        if (fault == "unplug" || fault == "gone") {
+            if (fault == "unplug")
+                bus->removeBoard(board);
+            const QByteArray regs = chip();
+            board = bus->addBoard({0x2976, 3, 1, quint8(6 + board)});
+            for (int r = 6; r < 291; ++r)
+                bus->chip(board).setReg(r, quint8(regs[r]));
+        }
+        QCOMPARE(read(), QStringList());
+        QCOMPARE(image(map->guiImage), chip());
+    }
+
+    // F5 while an operation runs only stops it; a second F5 loads the file,
+    // after which the chip's own status fields show that they are unknown.
+    void loadDuringOperation()
+    {
+        set("ReadStyle", 0);
+        const QByteArray cfg = image(map->cfgImage);
+        std::fill(map->cfgImage, map->cfgImage + map->registerCount, 0xEE);
+        action("action_ICGUI")->setChecked(false);
+        ModalCatcher catcher;
+        action("action_ICGUI")->trigger();
+        QVERIFY(main->worker && progressShown());
+        action("action_load_default")->trigger();
+        QVERIFY(waitIdle(main));
+        QTest::qWait(10);
+        QCOMPARE(catcher.texts, QStringList({"Interrupted"}));
+        QVERIFY(image(map->cfgImage).count(char(0xEE)) == int(map->registerCount));
+
+        QCOMPARE(run("action_load_default"), QStringList());
+        QCOMPARE(main->windowTitle(), QStringLiteral("ZV4280(v2/v3) TB 1.0.3"));
+        QCOMPARE(image(map->cfgImage).left(107), cfg.left(107));
+        const QImage disabled = QPixmap(":/Bulb-disabled.png").toImage();
+        int bulbs = 0, fields = 0;
+        for (const part* p : main->outputs) {
+            if (auto* bulb = qobject_cast<QLabel*>(p->widget)) {
+                QCOMPARE(bulb->pixmap(Qt::ReturnByValue).toImage(), disabled);
+                ++bulbs;
+            } else if (!p->widget->objectName().endsWith("_Expression")) {
+                QCOMPARE(p->widget->property("text").toString(), QStringLiteral("n/a"));
+                ++fields;
+            }
+        }
+        QCOMPARE(bulbs, 32);
+        QCOMPARE(fields, 46);
+        QVERIFY(!action("action_ICGUI")->isChecked());
+    }
+
+    // After a read that changed no register no widget fires, and yet every
+    // display with a rule is written again.
+    void readRecomputesDisplays()
+    {
+        read();
+        QList<QLineEdit*> displays;
+        for (const part* p : main->outputs)
+            if (p->widget->objectName().endsWith("_Expression")) {
+                displays << qobject_cast<QLineEdit*>(p->widget);
+                displays.last()->clear();
+            }
+        QCOMPARE(displays.size(), 103);
+        QCOMPARE(read(), QStringList());
+        int filled = 0;
+        for (QLineEdit* d : displays)
+            filled += d->text().isEmpty() ? 0 : 1;
+        QCOMPARE(filled, 88);
+    }
+
+    void repeatRead()
+    {
+        set("RepeatRead", 1), set("AutoPause", 1);
+        bus->clearWireLog();
+        auto reads = [&] { return sent().count(QByteArray::fromHex("151EC000") + QByteArray(28, 0)); };
+        action("action_ICGUI")->setChecked(false);
+        action("action_ICGUI")->trigger();
+        QTRY_COMPARE_WITH_TIMEOUT(reads(), 1, 5000);
+        QElapsedTimer clock;
+        clock.start();
+        QTRY_COMPARE_WITH_TIMEOUT(reads(), 2, 5000);
+        QVERIFY(clock.elapsed() >= 900);
+        QVERIFY(action("action_ICGUI")->isChecked());
+        action("action_ICGUI")->trigger(); // F11 ends it
+        QVERIFY(waitIdle(main));
+        QTest::qWait(1500);
+        QCOMPARE(reads(), 2);
+
+        // A failure ends it too, with the action unchecked.
+        set("AutoPause", 0);
+        ModalCatcher catcher;
+        action("action_ICGUI")->trigger();
+        QTRY_VERIFY(reads() >= 4);
+        bus->unplugAfter(board, 0);
+        QTRY_COMPARE_WITH_TIMEOUT(catcher.texts.size(), 1, 5000);
+        QVERIFY(!action("action_ICGUI")->isChecked());
+        const int done = reads();
+        QTest::qWait(200);
+        QCOMPARE(reads(), done);
+        bus->removeBoard(board);
+        board = bus->addBoard({0x2976, 3, 1, 9});
+    }
+
+    void keysAndBulbs()
+    {
+        for (const char* window : {"dockA", "service", "ZV4280v2"}) {
+            QWidget* w = main->windows.value(window);
+            QWidget* target = window == QByteArray("ZV4280v2") ? w->findChild<QTableView*>("RegisterTable") : w;
+            QTest::keyClick(target, Qt::Key_F5);
+            QVERIFY2(main->worker, window);
+            QVERIFY(waitIdle(main));
+            // F11 goes past the action: unchecked, it starts nothing.
+            QTest::keyClick(target, Qt::Key_F11);
+            QVERIFY2(!main->worker, window);
+        }
+        QWidget* dockD = main->windows.value("dockD");
+        auto* bulb = main->findChild<QLabel*>("ZV_ChD_AOK_ZV4280v2_23_1");
+        QVERIFY(!dockD->isVisible());
+        QTest::mouseClick(bulb, Qt::LeftButton);
+        QVERIFY(dockD->isVisible());
+        QTest::mouseClick(bulb, Qt::LeftButton);
+        QVERIFY(!dockD->isVisible());
+    }
+
+    // Closing the main window closes every window; it comes last.
+    void closeClosesAll()
+    {
+        main->show();
+        for (QWidget* w : main->windows)
+            w->show();
+        main->close();
+        for (auto it = main->windows.cbegin(); it != main->windows.cend(); ++it)
+            QVERIFY2(!it.value()->isVisible(), qPrintable(it.key()));
+    }
+};
+
+QTEST_MAIN(tst_worker)
+#include "tst_worker.moc"

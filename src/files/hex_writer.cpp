@@ -67,10 +67,11 @@ QString HexWriter::guiText(const GuiSave& save, const std::function<void(int)>& 
     const int count = qMin(save.guiImage.size(), HexFormat::lastSavedRegister + 1);
     for (int i = 0; i < count; ++i) {
         const quint8 value = quint8(save.guiImage.at(i));
-        bool written = true;
+        bool written;
         if (save.changesOnly) {
             written = i >= save.icImage.size() || value != quint8(save.icImage.at(i));
         } else {
+            // A register left out takes its heading with it.
             written = !save.leftOut.value(i, false);
             if (written && save.withComments) {
                 const QString heading = HexFormat::heading(save.chipName, i);

@@ -29,7 +29,8 @@ part* mapshow::ParseObjName(const QString& name)
     for (const QString& piece : widthPieces) {
         const quint32 w = piece.toUInt(nullptr, 10);
         p->widths.append(w);
-        p->width += static_cast<qint32>(w);
+        // Summed as unsigned: an absurd width wraps instead of overflowing.
+        p->width = static_cast<qint32>(static_cast<quint32>(p->width) + w);
     }
     const QStringList positionPieces = tokens.at(cursor - 1).split(QLatin1Char('p'));
     p->position = positionPieces.first().toInt(nullptr, 10);

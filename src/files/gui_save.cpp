@@ -1,0 +1,21 @@
+// The state that a save of the GUI writes, taken on the GUI thread.
+#include "gui_save.h"
+
+#include "comment_builder.h"
+#include "mapshow.h"
+#include "save_filter.h"
+
+GuiSave GuiSave::take(const mapshow& map, const QMap<QString, int>& settings)
+{
+    GuiSave save;
+    save.chipName = map.chipName;
+    save.guiImage = QByteArray(reinterpret_cast<const char*>(map.guiImage), int(map.registerCount));
+    save.icImage = QByteArray(reinterpret_cast<const char*>(map.icImage), int(map.registerCount));
+    save.changesOnly = settings.value(QStringLiteral("ChangesOnly"), 0) != 0;
+    save.withComments = settings.value(QStringLiteral("HexComment"), 0) != 0;
+    if (save.withComments)
+        save.comments = CommentBuilder::build(map, save.changesOnly);
+    save.leftOut = SaveFilter::leftOut(map, settings.value(QStringLiteral("StatusBits"), 1) != 0,
+                                       settings.value(QStringLiteral("ServiceBits"), 1) != 0);
+    return save;
+}

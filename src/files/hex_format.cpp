@@ -1,0 +1,84 @@
+// The text format of the .hex settings files.
+#include "hex_format.h"
+
+#include <QStringList>
+#include <QVector>
+
+HexFormat::LineKind HexFormat::classify(const QString& trimmedLine)
+{
+    if (trimmedLine.startsWith(QLatin1Char(';')))
+        return LineKind::Map;
+    if (trimmedLine.startsWith(QLatin1String("Reg")))
+        return LineKind::Register;
+    return LineKind::Other;
+}
+
+QString HexFormat::mapName(const QString& trimmedMapLine)
+{
+    return trimmedMapLine.mid(1).replace(QLatin1Char('.'), QLatin1Char('v'));
+}
+
+// "Reg12 0x5F", "Reg12\t5F //text", "Reg 12 &5f" and "Reg12 5F 77" all mean
+// register 12, value 0x5F: tabs count as blanks, "&", "0x" and "Reg" are
+// dropped anywhere in the line, and the first two pieces are the register
+// number (decimal) and the value (hexadecimal). A piece that is no number,
+// or too big a number, counts as 0; the value keeps its low 8 bits.
+//
+// A negative register number makes the line unusable: the file to chip
+// command would take -1 for its pause marker, and no image has a place for
+// it.
+std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
+{
+    QString text = line;
+    text.replace(QLatin1Char('\t'), QLatin1Char(' '));
+    text.remove(QLatin1Char('&'));
+    text.remove(QLatin1String("0x"));
+    text.remove(QLatin1String("Reg"));
+    const QVector<QStringRef> pieces = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
+    if (pieces.size() < 2)
+        return std::nullopt;
+
+    Register r;
+    r.number = pieces.at(0).toInt(nullptr, 10);
+    if (r.number < 0)
+        return std::nullopt;
+    r.value = quint8(pieces.at(1).toUInt(nullptr, 16) & 0xFFu);
+    return r;
+}
+
+QString HexFormat::mapLine(const QString& chipName)
+{
+    return QLatin1Char(';') + QString(chipName).remove(QLatin1String("v2"));
+}
+
+QString HexFormat::registerLine(qint32 number, quint8 value)
+{
+    return QLatin1String("Reg") + QString::number(number) + QLatin1Char('\t')
+           + QStringLiteral("%1").arg(uint(value), 2, 16, QLatin1Char('0')).toUpper();
+}
+
+QString HexFormat::registerLine(qint32 number, quint8 value, const QString& comment)
+{
+    return registerLine(number, value) + QLatin1String(" //") + comment;
+}
+
+QString HexFormat::commentSeparator()
+{
+    return QStringLiteral("\n\t   //");
+}
+
+QString HexFormat::heading(const QString& chipName, qint32 number)
+{
+    if (!chipName.contains(QLatin1String("4280")))
+        return QString();
+    switch (number) {
+    case 9: return QStringLiteral("//  Temperature sensor ");
+    case 10: return QStringLiteral("//  Clock settings ");
+    case 13: return QStringLiteral("// External sampling frequency settings");
+    case 14: return QStringLiteral("// Channel \"A\" ");
+    case 36: return QStringLiteral("// Channel \"B\" ");
+    case 58: return QStringLiteral("// Channel \"C\" ");
+    case 80: return QStringLiteral("// Channel \"D\" ");
+    default: return QString();
+    }
+}

@@ -1,0 +1,44 @@
+// The text format of the .hex settings files: what kind a line is, how a
+// register line is read and written, the map line and the headings.
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+class HexFormat
+{
+public:
+    enum class LineKind { Map, Register, Other };
+
+    // What a usable register line holds.
+    struct Register
+    {
+        qint32 number = 0;
+        quint8 value = 0;
+    };
+
+    // The last register that a save of the GUI state writes.
+    static constexpr int lastSavedRegister = 106;
+
+    // Kind of a line already trimmed: ";..." names a map, "Reg..." holds a
+    // register, anything else (headings, comment continuations) is ignored.
+    static LineKind classify(const QString& trimmedLine);
+    // The map name of a map line: the text behind ";", every "." read as "v".
+    static QString mapName(const QString& trimmedMapLine);
+    // Reads a register line the lenient way; nothing when the line is not
+    // usable.
+    static std::optional<Register> readRegister(const QString& line);
+
+    // ";" and the chip name less "v2": ";ZV4280".
+    static QString mapLine(const QString& chipName);
+    // "Reg12\t5F", and with a comment "Reg12\t5F //" + comment.
+    static QString registerLine(qint32 number, quint8 value);
+    static QString registerLine(qint32 number, quint8 value, const QString& comment);
+    // What stands between two fields in one register's comment: it starts a
+    // continuation line.
+    static QString commentSeparator();
+    // The heading written before a register in a full save with comments;
+    // empty when the register has none.
+    static QString heading(const QString& chipName, qint32 number);
+};

@@ -1,0 +1,318 @@
+#include "MainClass.h"
+#include "comment_builder.h"
+#include "gui_save.h"
+#include "hex_format.h"
+#include "hex_reader.h"
+#include "hex_writer.h"
+#include "mapshow.h"
+#include "part.h"
+#include "save_filter.h"
+#include "testsupport.h"
+#include <QtTest>
+#include <QtWidgets>
+#include <random>
+#include <unistd.h>
+
+// Hex settings files: saves from the real forms, the comment rules on a small form of their own,
+// what the load commands read from good and bad files, and saves that fail or append.
+class tst_hexfile : public QObject
+{
+    Q_OBJECT
+    MainClass* main = nullptr;
+    mapshow* map = nullptr;
+    QTemporaryDir dir;
+
+    QString path(const QString& name) const { return dir.filePath(name); }
+    static QByteArray bytesOf(const QString& file)
+    {
+        QFile f(file);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
+    }
+    // What the load commands find in a file: ";name" for a map line, "n=VV" for a usable register
+    // line, "?" for a register line they cannot use.
+    static QString seen(const QString& file)
+    {
+        QStringList lines, out;
+        if (!HexReader::readLines(file, &lines))
+            return "<unreadable>";
+        for (const QString& line : lines) {
+            if (HexFormat::classify(line) == HexFormat::LineKind::Map)
+                out << ";" + HexFormat::mapName(line);
+            else if (HexFormat::classify(line) == HexFormat::LineKind::Register) {
+                const auto r = HexFormat::readRegister(line);
+                out << (r ? QString("%1=%2").arg(r->number).arg(uint(r->value), 2, 16, QChar('0')).toUpper() : "?");
+            }
+        }
+        return out.join(' ');
+    }
+    // The registers of a file, a later line replacing an earlier one.
+    static QMap<int, int> registersIn(const QString& file)
+    {
+        QMap<int, int> found;
+        for (const QString& item : seen(file).split(' ', Qt::SkipEmptyParts))
+            if (item.contains('='))
+                found[item.section('=', 0, 0).toInt()] = item.section('=', 1).toInt(nullptr, 16);
+        return found;
+    }
+    void pushImage() // as the end of a read does
+    {
+        for (const QString& key : map->parts.keys())
+            map->setPartValue(key, map->guiImage);
+    }
+    QString save(const QMap<QString, int>& settings) const { return HexWriter::guiText(GuiSave::take(*map, settings)); }
+
+private slots:
+    void initTestCase()
+    {
+        zvTestInit();
+        main = new MainClass;
+        QVERIFY((map = main->firstMap()));
+        QVERIFY(dir.isValid());
+    }
+    void cleanupTestCase() { delete main; }
+
+    // The documented example of a full save, registers 9 to 11 at 00, 00, 04, with and without comments.
+    void workedExample()
+    {
+        std::fill_n(map->guiImage, map->registerCount, quint8(0));
+        map->guiImage[11] = 4;
+        pushImage();
+        QVERIFY(HexWriter::writeFile(path("example.hex"), save({{"ChangesOnly", 0}, {"HexComment", 1}}), false));
+        const QByteArray file = bytesOf(path("example.hex"));
+        const QByteArray example = "//  Temperature sensor \nReg9\t00 //Execute: disabled\n\t   //Mode: single\n"
+                                   "//  Clock settings \nReg10\t00 //Clock output type: CMOS\n"
+                                   "\t   //Frequency source: PLL \"A\"\nReg11\t04 //C-divider ratio:  4\nReg12\t";
+        QVERIFY(file.startsWith(";ZV4280\nReg0\t00 //"));
+        QCOMPARE(file.mid(file.indexOf("//  Temperature"), example.size()), example);
+        for (const char* heading : {"\n// External sampling frequency settings\nReg13\t", "\n// Channel \"A\" \nReg14\t",
+                                    "\n// Channel \"B\" \nReg36\t", "\n// Channel \"C\" \nReg58\t",
+                                    "\n// Channel \"D\" \nReg80\t", "\nReg103\t00 //IQ phase correction FM:"})
+            QVERIFY2(file.contains(heading), heading);
+        QCOMPARE(file.count("\n//"), 7);
+        QStringList registerLines;
+        for (const QByteArray& line : file.split('\n'))
+            if (line.startsWith("Reg") && line.contains(" //")) // also where the comment is empty
+                registerLines << line.left(line.indexOf('\t'));
+        QCOMPARE(registerLines.size(), 107);
+        QCOMPARE(registerLines.last(), "Reg106");
+        QCOMPARE(file.count("\nReg"), 107);
+
+        const QString bare = save({{"ChangesOnly", 0}, {"HexComment", 0}});
+        QVERIFY(bare.startsWith(";ZV4280\nReg0\t00\n") && bare.endsWith("\nReg106\t00\n"));
+        QVERIFY(bare.contains("\nReg8\t00\nReg9\t00\nReg10\t00\nReg11\t04\nReg12\t00\n"));
+        QCOMPARE(bare.count('\n'), 108);
+
+        // Changes only: nothing but the map line, then the one register a user changed.
+        std::copy_n(map->guiImage, map->registerCount, map->icImage);
+        QCOMPARE(save({{"ChangesOnly", 1}, {"HexComment", 1}}), ";ZV4280\n");
+        static_cast<QCheckBox*>(map->parts.value("TS_EXE_ZV4280v2")->widget)->setChecked(true);
+        QCOMPARE(save({{"ChangesOnly", 1}, {"HexComment", 1}}), ";ZV4280\nReg9\t01 //Execute: enabled\n");
+        QCOMPARE(save({{"ChangesOnly", 1}, {"HexComment", 0}}), ";ZV4280\nReg9\t01\n");
+    }
+
+    // Status registers (ID, release, bulbs) leave a full save when "StatusBits" is off; the service
+    // and expert windows hold registers 107 to 290 only, which a save of the GUI never reaches.
+    void statusAndServiceRegisters()
+    {
+        const QVector<bool> status = SaveFilter::statusRegisters(*map), service = SaveFilter::serviceRegisters(*map);
+        for (int r : {0, 1, 2, 80, 81, 145, 290})
+            QVERIFY2(status.at(r), qPrintable(QString::number(r)));
+        for (int r : {3, 4, 9, 14, 82, 106})
+            QVERIFY2(!status.at(r), qPrintable(QString::number(r)));
+        QCOMPARE(service.indexOf(true), 107);
+        QCOMPARE(service.count(true), 184);
+
+        const QString full = save({{"HexComment", 0}});
+        const QString noStatus = save({{"HexComment", 0}, {"StatusBits", 0}});
+        QCOMPARE(noStatus.count("\nReg"), 102);
+        for (const char* line : {"\nReg0\t", "\nReg1\t", "\nReg2\t", "\nReg80\t", "\nReg81\t"})
+            QVERIFY(full.contains(line) && !noStatus.contains(line));
+        QCOMPARE(save({{"HexComment", 0}, {"ServiceBits", 0}}), full);
+    }
+
+    // The comment rules, on a small form: label lookup, separators, the several kinds of widget.
+    void commentRules()
+    {
+        QWidget form, expert;
+        expert.setObjectName("GrSChA");
+        mapshow small("ZV4280v2", 108);
+        auto add = [&](QWidget* w, const QString& name, QWidget* parent) {
+            w->setParent(parent);
+            w->setObjectName(name);
+            if (part* p = mapshow::ParseObjName(name)) {
+                p->widget = w;
+                small.parts.insert(p->name, p);
+            }
+            return w;
+        };
+        auto label = [&](const QString& name, const QString& text) { add(new QLabel(text), name, &form); };
+        static_cast<QLineEdit*>(add(new QLineEdit("7"), "ZV_Alpha_ZV4280v2_20_4", &form))->setReadOnly(true);
+        label("AlphaLabelG", "Al\npha");
+        static_cast<QSpinBox*>(add(new QSpinBox, "ZV_Big_ZV4280v2_12_8", &form))->setValue(5);
+        label("BigLabelG", "Big");
+        label("BigLabelG2", "Big, last"); // the last match wins
+        add(new QLabel, "ZV_Bulb_ZV4280v2_24_1", &form);
+        label("BulbLabelG", "Bulb\nstate");
+        static_cast<QCheckBox*>(add(new QCheckBox("Execute"), "ZV_Exe_ZV4280v2_7_1", &form))->setChecked(true);
+        add(new QSpinBox, "ZV_Gain_ZV4280v2_28_4", &form);
+        label("GainLabelG", "Gain");
+        add(new QLineEdit("1.5\ndB"), "Gain_ZV4280v2_Expression", &form);
+        static_cast<QLineEdit*>(add(new QLineEdit("26"), "ZV_Id_ZV4280v2_56_8", &form))->setReadOnly(true);
+        label("IdLabelG", "ID");
+        auto* mode = static_cast<QComboBox*>(add(new QComboBox, "ZV_Mode_ZV4280v2_6_1", &form)); // no label
+        mode->addItems({"single", "continuous"});
+        mode->setCurrentIndex(1);
+        add(new QSpinBox, "ZV_Phase_ZV4280v2_826_6", &form);
+        label("PhaseLabelG", "FM");
+        add(new QLineEdit("90.00°"), "Phase_ZV4280v2_Expression", &form);
+        add(new QSpinBox, "ZV_Quiet_ZV4280v2_842_6", &form);
+        add(new QCheckBox("Split"), "ZV_Split_ZV4280v2_32p48_1p1", &form);
+        add(new QCheckBox("Service"), "ZV_Svc_ZV4280v2_64_8", &expert);
+        small.guiImage[3] = 0x80; // the bulb's bit
+
+        QStringList expected = QVector<QString>(108).toList();
+        expected[0] = "Execute: enabled\n\t   //: continuous";
+        expected[1] = "Big, last:  5";
+        expected[2] = "Al pha: 7Big, last:  5"; // no separator: the test looks at register 1, the field's first
+        expected[3] = "Bulb\nstate: 1\n\t   //Gain: 1.5 dB ";
+        expected[4] = expected[6] = "Split: disabled";
+        expected[7] = "ID: 26";
+        expected[8] = "Service: disabled";
+        expected[103] = "IQ phase correction FM: 90.00° ";
+        expected[105] = "IQ phase correction ";
+        QCOMPARE(CommentBuilder::build(small, false), expected);
+        small.guiImage[0] ^= 0x01; // ic and gui differ in the check box's bit only
+        std::copy_n(small.guiImage, 108, small.icImage);
+        small.guiImage[0] ^= 0x01;
+        QStringList changed = QVector<QString>(108).toList();
+        changed[0] = "Execute: enabled";
+        QCOMPARE(CommentBuilder::build(small, true), changed);
+
+        // Register 5 holds no field and stays in any save.
+        QCOMPARE(SaveFilter::leftOut(small, false, true).indexOf(true), 7);
+        QCOMPARE(SaveFilter::leftOut(small, false, true).count(true), 1);
+        QCOMPARE(SaveFilter::leftOut(small, true, false).indexOf(true), 8);
+        QCOMPARE(SaveFilter::leftOut(small, false, false).count(true), 2);
+        qDeleteAll(small.parts);
+    }
+
+    void reader_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("four equivalent lines") << QByteArray("Reg12 0x5F\nReg12\t5F //text\nReg 12 &5f\nReg12 5F 77\n")
+                                               << "12=5F 12=5F 12=5F 12=5F";
+        QTest::newRow("indented, trailing blanks") << QByteArray("   Reg3 0A   \n\t\tReg4\t0B\t \n") << "3=0A 4=0B";
+        QTest::newRow("lower-case reg") << QByteArray("reg12 5F\nREG12 5F\n") << "";
+        QTest::newRow("four digits") << QByteArray("Reg7 1234\nReg8\t0x1FF\n") << "7=34 8=FF";
+        QTest::newRow("comments holding Reg") << QByteArray("//  Reg9 01\n\t   //Reg9 02 & 0x03\n// Reg 5 6\n") << "";
+        QTest::newRow("map lines") << QByteArray(";\n;ZV4280\n;ZV4280.2\n  ;ZV4280v2 \n") << "; ;ZV4280 ;ZV4280v2 ;ZV4280v2";
+        QTest::newRow("empty file") << QByteArray() << "";
+        QTest::newRow("line ends only") << QByteArray("\n\r\n\n") << "";
+        QTest::newRow("unusable register lines")
+            << QByteArray("Reg\nReg12\nRegX 5F\nReg12 ZZ\nReg-3 5F\nReg-1 00\nReg99999999999 5F\nReg12 123456789AB\nhi Reg1 2\n")
+            << "? ? 0=5F 12=00 ? ? 0=5F 12=00";
+        static const char binary[] = "\x00\xff\xfe\x01Reg1 1\nReg\x00\n\xc3\x28Reg2 2\nReg5 A1\nReg6 \xff 7\nReg7 5F\x00\n";
+        QTest::newRow("binary") << QByteArray(binary, sizeof binary - 1) << "? 5=A1 6=00 7=5F"; // NUL ends a number
+        QTest::newRow("very long lines") << "Reg5 A1 //" + QByteArray(1 << 20, 'x') + "\n" + QByteArray(1 << 18, ' ')
+                                                + "Reg6 B2\nReg7 " + QByteArray(1 << 18, '9') + "\nReg8 C3"
+                                         << "5=A1 6=B2 7=00 8=C3";
+        QTest::newRow("CRLF") << QByteArray(";ZV4280\r\nReg1\t02 //a\r\nReg2\t03\r\n") << ";ZV4280 1=02 2=03";
+        QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBF;ZV4280\nReg1 02") << ";ZV4280 1=02";
+    }
+    void reader()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, expected);
+        QFile f(path("read.hex"));
+        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(file);
+        f.close();
+        QCOMPARE(seen(path("read.hex")), expected);
+    }
+    void readerRefuses()
+    {
+        QStringList lines;
+        QVERIFY(!HexReader::readLines(path("missing.hex"), &lines));
+        QVERIFY(!HexReader::readLines(dir.path(), &lines));
+    }
+
+    // Random images saved in every way come back as the registers each save holds.
+    void roundTrip()
+    {
+        std::mt19937 random(4280);
+        const QStringList pieces = {"", "Reg5 77 &0x12", "Ток: 600µA", "Фаза: 90.00° ", "Mode: single", "//"};
+        for (int round = 0; round < 16; ++round) {
+            GuiSave s;
+            s.chipName = "ZV4280v2";
+            s.changesOnly = round & 1;
+            s.withComments = round & 2;
+            QMap<int, int> expected;
+            for (int r = 0; r < 291; ++r) {
+                s.guiImage.append(char(random()));
+                s.icImage.append(random() % 2 ? s.guiImage.at(r) : char(random()));
+                s.leftOut.append(round & 4 ? random() % 8 == 0 : false);
+                s.comments.append(pieces.at(random() % 6) + HexFormat::commentSeparator() + pieces.at(random() % 6));
+                if (r <= 106 && (s.changesOnly ? s.guiImage.at(r) != s.icImage.at(r) : !s.leftOut.at(r)))
+                    expected[r] = quint8(s.guiImage.at(r));
+            }
+            QVERIFY(HexWriter::writeFile(path("trip.hex"), HexWriter::guiText(s), false));
+            QCOMPARE(registersIn(path("trip.hex")), expected);
+            if (s.withComments) { // comments in any script come back whole
+                QStringList lines;
+                QVERIFY(HexReader::readLines(path("trip.hex"), &lines));
+                QCOMPARE(QString::fromUtf8(bytesOf(path("trip.hex"))), HexWriter::guiText(s));
+                QVERIFY(lines.contains("//Ток: 600µA") && lines.join('\n').contains("//Фаза: 90.00°"));
+            }
+        }
+    }
+
+    // Appending adds a section behind the old bytes; read back, the later value of a register wins.
+    void appendNeverTruncates()
+    {
+        const QByteArray chip(291, '\x11'), gui(291, '\x22');
+        QVERIFY(HexWriter::writeFile(path("merge.hex"), HexWriter::chipText("ZV4280v2", chip), false));
+        const QByteArray before = bytesOf(path("merge.hex"));
+        GuiSave s;
+        s.chipName = "ZV4280v2";
+        s.guiImage = gui;
+        QVERIFY(HexWriter::writeFile(path("merge.hex"), HexWriter::guiText(s), true));
+        QCOMPARE(bytesOf(path("merge.hex")), before + HexWriter::guiText(s).toUtf8());
+        const QMap<int, int> found = registersIn(path("merge.hex"));
+        QCOMPARE(found.size(), 291);
+        QCOMPARE(found.value(106), 0x22);
+        QCOMPARE(found.value(107), 0x11);
+        QVERIFY(HexWriter::writeFile(path("new.hex"), ";ZV4280\n", true));
+        QCOMPARE(bytesOf(path("new.hex")), QByteArray(";ZV4280\n"));
+    }
+
+    // A save that fails, or is dropped half-way as a crash would drop it, leaves the old file byte for byte.
+    void failedSaveKeepsOldFile()
+    {
+        const QByteArray old = ";ZV4280\nReg0\t12 //600µA\n";
+        QDir(dir.path()).mkpath("keep/taken.hex");
+        const QString oldFile = path("keep/old.hex");
+        QVERIFY(HexWriter::writeFile(oldFile, old, false));
+        const QString text = ";ZV4280\nReg0\t34\n";
+        for (bool append : {false, true}) {
+            QVERIFY(!HexWriter::writeFile(path("keep/taken.hex"), text, append)); // a directory in the way
+            QVERIFY(!HexWriter::writeFile(oldFile + "/x.hex", text, append));     // a path under a file
+        }
+        {
+            HexWriter writer(oldFile, false);
+            QVERIFY(writer.open());
+            QVERIFY(writer.write(text));
+        }
+        if (geteuid() != 0) { // a read-only folder stops anyone but root
+            QFile::setPermissions(path("keep"), QFile::ReadOwner | QFile::ExeOwner);
+            QVERIFY(!HexWriter::writeFile(oldFile, text, false));
+            QFile::setPermissions(path("keep"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        }
+        QCOMPARE(bytesOf(oldFile), old);
+        QCOMPARE(QDir(path("keep")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), QStringList({"old.hex", "taken.hex"}));
+        QVERIFY(QFileInfo(path("keep/taken.hex")).isDir());
+    }
+};
+
+QTEST_MAIN(tst_hexfile)
+#include "tst_hexfile.moc"

@@ -67,8 +67,9 @@ void MainClass::startOperation(int command, const QString& fileName)
     worker->start(QThread::InheritPriority);
 }
 
-void MainClass::prepareSave(clerk*)
+void MainClass::prepareSave(clerk* saver)
 {
+    saver->save = GuiSave::take(*firstMap(), service->settings);
 }
 
 // Asks for a file in lastPath; empty when the user cancelled. Backslashes

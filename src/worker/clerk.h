@@ -1,10 +1,10 @@
 #pragma once
 
+#include "gui_save.h"
+
 #include <QMap>
 #include <QString>
-#include <QStringList>
 #include <QThread>
-#include <QVector>
 
 #include <atomic>
 #include <functional>
@@ -36,12 +36,10 @@ public:
     service_block* service = nullptr;
     QMap<QString, mapshow*> maps;
 
-    // What a save with comments writes behind each register line, collected
-    // from the widgets on the GUI thread before the thread starts.
-    QStringList comments;
-    // Registers a full save leaves out (status or service registers, as the
-    // panel's hidden save flags say); collected with the comments.
-    QVector<bool> leaveOut;
+    // What GUI to file saves: the images, the comments and the registers
+    // left out, taken from the widgets on the GUI thread before the thread
+    // starts.
+    GuiSave save;
 
 signals:
     void percent_up(int percent);

@@ -17,9 +17,9 @@ struct BitOwner
     QString label;
 };
 
-// What a table model of the map window keeps of the images: the old copies
-// that mark the bits changed by the last operation, and the cells it repaints
-// when a bit of guiImage changes.
+// What the map window asks of its table model: keep the old copies that mark
+// the bits changed by the last operation, repaint the cells of a bit of
+// guiImage that changed, and show all three images anew.
 class ImageViewModel
 {
 public:
@@ -28,6 +28,8 @@ public:
     virtual void dropOld(int index) = 0;
     // A bit of guiImage has changed: report the cells that show it.
     virtual void bitChanged(int position) = 0;
+    // The images have changed anywhere: one reset of the model.
+    virtual void refresh() = 0;
 };
 
 // The register map window and the owner of the three register images.
@@ -38,7 +40,13 @@ class mapshow : public QWidget
     Q_OBJECT
 
 public:
-    mapshow(const QString& chipName, quint32 registerCount, QWidget* parent = nullptr);
+    // The table views, as the indexes of the view selector.
+    enum RegisterView { TriadView = 0, NamedView = 1 };
+
+    // The program runs the triad view; the named view is there for whoever
+    // builds the window with it.
+    mapshow(const QString& chipName, quint32 registerCount, QWidget* parent = nullptr,
+            RegisterView view = TriadView);
     ~mapshow() override;
 
     quint32 registerCount = 0;
@@ -81,6 +89,7 @@ private:
     void writeField(const part& p, quint32 value);
     void dropOld(int index);
     void setUpView();
+    void setUpNamedView();
 
     Ui::mapshow* ui = nullptr;
 };

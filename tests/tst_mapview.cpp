@@ -1,0 +1,342 @@
+#include "MainClass.h"
+#include "mapshow.h"
+#include "part.h"
+#include "reg_table_model.h"
+#include "table_named_model.h"
+#include "table_triada_model.h"
+#include "testsupport.h"
+#include <QtTest>
+#include <QtWidgets>
+#include <memory>
+
+// The map window's table models: the triad view of the program, the named
+// view and the bit table model, on bare windows and on the real forms.
+class tst_mapview : public QObject
+{
+    Q_OBJECT
+    std::unique_ptr<MainClass> main;
+    std::unique_ptr<mapshow> named; // shares the main window's fields
+    std::unique_ptr<mapshow> resized; // laid out by one width after another
+
+    static QTableView* table(mapshow* map) { return map->findChild<QTableView*>("RegisterTable"); }
+    static QAbstractItemModel* model(mapshow* map) { return table(map)->model(); }
+    static TableTriadaModel* triad(mapshow* map) { return qobject_cast<TableTriadaModel*>(model(map)); }
+    // What a cell shows: its text and one colour role, "none" where invalid.
+    static QString text(const QAbstractItemModel* m, int row, int column)
+    {
+        const QVariant v = m->index(row, column).data();
+        return v.isValid() ? v.toString() : "none";
+    }
+    static QString colour(const QAbstractItemModel* m, int row, int column, int role = Qt::BackgroundRole)
+    {
+        const QVariant v = m->index(row, column).data(role);
+        return v.isValid() ? v.value<QColor>().name().toUpper() : "none";
+    }
+    // The cells of a dataChanged spy, as "row,column" for one-cell signals.
+    static QStringList cells(const QSignalSpy& spy)
+    {
+        QStringList list;
+        for (const QList<QVariant>& signal : spy) {
+            const auto from = signal.at(0).toModelIndex(), to = signal.at(1).toModelIndex();
+            list << (from == to ? QString("%1,%2").arg(from.row()).arg(from.column()) : "range");
+        }
+        return list;
+    }
+    QObject* widget(const QString& stem) const { return main->firstMap()->parts.value(stem + "_ZV4280v2")->widget; }
+
+private slots:
+    void initTestCase()
+    {
+        zvTestInit();
+        main.reset(new MainClass);
+        QVERIFY(main->firstMap());
+        named.reset(new mapshow("ZV4280v2", 291, nullptr, mapshow::NamedView));
+        named->parts = main->firstMap()->parts;
+        named->bitOwners = main->firstMap()->bitOwners;
+    }
+    void cleanupTestCase() { resized.reset(), named.reset(), main.reset(); }
+
+    // "row column text background" with four registers side by side: guiImage
+    // 0 = A5, icImage 3 = 01, cfgImage 104 = FF, guiImage 106 = 80, all old
+    // copies refreshed afterwards.
+    void triadCells_data()
+    {
+        QTest::addColumn<QString>("row");
+        for (const char* r : {"0 0 0 none", "0 27 3 none", "1 0 7 #DDDDDD", "1 7 0 #DDDDDD", "1 8 h #FFFF00",
+                              "2 0 1 #DDDDDD", "2 1 0 #FFFFFF", "2 8 A5 #FFFF00", "3 34 1 #DDDDDD", "3 35 01 #FFFF00",
+                              "4 8 00 #FFFF00", "5 0 none #FFFFFF", "156 0 104 none", "160 0 1 #DDDDDD",
+                              "160 8 FF #FFFF00", "158 18 1 #00BFFF", "158 19 0 #FFFFFF", "158 26 80 #FFFF00",
+                              "156 27 - none", "157 27 - #DDDDDD", "158 27 - #DDDDDD", "160 34 - #DDDDDD",
+                              "158 35 - #FFFF00", "161 0 none #FFFFFF", "161 27 - #DDDDDD"})
+            QTest::newRow(r) << QString(r);
+    }
+    void triadCells()
+    {
+        QFETCH(QString, row);
+        const QStringList r = row.split(' ');
+        mapshow map("ZV4280v2", 291);
+        map.guiImage[0] = 0xA5, map.icImage[3] = 0x01, map.cfgImage[104] = 0xFF, map.guiImage[106] = 0x80;
+        map.dropOldGUI(), map.dropOldIC(), map.dropOldCfg();
+        triad(&map)->resize(600, 400);
+        const QAbstractItemModel* m = model(&map);
+        QCOMPARE(m->rowCount(), 162);
+        QCOMPARE(text(m, r[0].toInt(), r[1].toInt()), r[2]);
+        QCOMPARE(colour(m, r[0].toInt(), r[1].toInt()), r[3]);
+        QCOMPARE(m->index(r[0].toInt(), r[1].toInt()).data(Qt::TextAlignmentRole).toInt(), 4);
+        QVERIFY(!m->flags(m->index(r[0].toInt(), r[1].toInt())).testFlag(Qt::ItemIsEditable));
+    }
+
+    void triadHeaders()
+    {
+        mapshow map("ZV4280v2", 291);
+        const QAbstractItemModel* m = model(&map);
+        triad(&map)->resize(600, 400);
+        QStringList vertical;
+        for (int section : {0, 1, 2, 3, 4, 5, 6, 158, 161})
+            vertical << m->headerData(section, Qt::Vertical).toString();
+        QCOMPARE(vertical, QStringList({"Reg", "Bit", "Wr", "Rd", "Cfg", "", "Reg", "Wr", ""}));
+        QCOMPARE(m->headerData(0, Qt::Horizontal).toString(), QString());
+        QVERIFY(!m->headerData(0, Qt::Vertical, Qt::ToolTipRole).isValid());
+        TableTriadaModel otherStyle(table(&map), 2, 291, &map);
+        QCOMPARE(otherStyle.headerData(2, Qt::Horizontal).toString(), "Value");
+        QCOMPARE(otherStyle.headerData(18, Qt::Horizontal).toString(), "D0");
+    }
+
+    // A bit is blue on its own line until its own image is refreshed; register
+    // 106 is never refreshed.
+    void triadChangedBits()
+    {
+        mapshow map("ZV4280v2", 291);
+        const QAbstractItemModel* m = model(&map);
+        triad(&map)->resize(150, 400); // one register per block
+        map.setBit(map.guiImage, 13, 1), map.setBit(map.icImage, 13, 1), map.setBit(map.guiImage, 106 * 8, 1);
+        QCOMPARE(colour(m, 2 + 6, 5), "#00BFFF"); // register 1, D2
+        QCOMPARE(colour(m, 3 + 6, 5), "#00BFFF");
+        map.dropOldIC();
+        QCOMPARE(colour(m, 2 + 6, 5), "#00BFFF");
+        QCOMPARE(colour(m, 3 + 6, 5), "#DDDDDD");
+        map.dropOldGUI();
+        QCOMPARE(colour(m, 2 + 6, 5), "#DDDDDD");
+        QCOMPARE(colour(m, 2 + 6, 8), "#FFFF00");
+        QCOMPARE(colour(m, 2 + 6 * 106, 0), "#00BFFF");
+        map.setBit(map.guiImage, 13, 0);
+        QCOMPARE(colour(m, 2 + 6, 5), "#00BFFF");
+    }
+
+    // "width registers rows", one layout after another on the same window.
+    void triadResize_data()
+    {
+        QTest::addColumn<QString>("row");
+        for (const char* r : {"600 4 162", "1280 8 84", "150 1 642", "100 1 642", "1920 12 54", "1900 12 54", "600 4 162"})
+            QTest::newRow(r) << QString(r);
+    }
+    void triadResize()
+    {
+        QFETCH(QString, row);
+        if (!resized)
+            resized.reset(new mapshow("ZV4280v2", 291));
+        const int width = row.section(' ', 0, 0).toInt(), registers = row.section(' ', 1, 1).toInt(),
+                  rows = row.section(' ', 2, 2).toInt();
+        triad(resized.get())->resize(width, 500);
+        QTableView* view = table(resized.get());
+        QCOMPARE(view->model()->columnCount(), registers * 9);
+        QCOMPARE(view->model()->rowCount(), rows);
+        QCOMPARE(view->columnWidth(8), view->columnWidth(0) + 9);
+        QCOMPARE(view->columnWidth(registers * 9 - 2), view->columnWidth(0));
+        QCOMPARE(view->columnWidth(registers * 9 - 1), view->columnWidth(0) + 9);
+        QCOMPARE(view->rowHeight(0), 15);
+        QCOMPARE(view->rowHeight(rows - 1), 15);
+        for (int block = 0; block < rows; block += 6) {
+            for (int c = 0; c < registers * 9; c += 9)
+                QCOMPARE(view->columnSpan(block, c), 9);
+            QCOMPARE(view->columnSpan(block + 5, 0), registers * 9);
+            QCOMPARE(view->columnSpan(block + 2, 0), 1);
+            QCOMPARE(view->rowSpan(block, 0), 1);
+        }
+        QCOMPARE(text(view->model(), rows - 6, (106 % registers) * 9), "106");
+    }
+
+    // The window lays the table out by the table's width, the columns fill
+    // the table without a horizontal scroll bar, at least one register column
+    // stays, and one refresh is one reset that keeps the layout.
+    void windowLayout()
+    {
+        mapshow map("ZV4280v2", 291);
+        QTableView* view = table(&map);
+        QCOMPARE(model(&map)->columnCount(), 9); // before the first resize
+        QCOMPARE(model(&map)->rowCount(), 6);
+        map.resize(608, 400);
+        map.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&map));
+        QCOMPARE(view->width(), 600);
+        for (const auto& [width, registers] : {std::pair{608, 4}, {760, 5}, {1000, 6}, {1928, 12}, {10, 1}, {743, 4}}) {
+            map.resize(width, 400);
+            QCoreApplication::sendPostedEvents();
+            QCOMPARE(map.width(), qMax(width, 200)); // no narrower than the form allows
+            QCOMPARE(model(&map)->columnCount(), registers * 9);
+            const int columns = view->horizontalHeader()->length();
+            QVERIFY2(columns <= view->viewport()->width() && columns > view->viewport()->width() - registers * 9,
+                     qPrintable(QString("%1: %2 in %3").arg(width).arg(columns).arg(view->viewport()->width())));
+            QVERIFY(!view->horizontalScrollBar()->isVisible());
+        }
+        QSignalSpy reset(model(&map), &QAbstractItemModel::modelReset);
+        QSignalSpy changed(model(&map), &QAbstractItemModel::dataChanged);
+        const int hexWidth = view->columnWidth(8);
+        map.refreshRegisterView();
+        QCOMPARE(reset.count(), 1);
+        QCOMPARE(changed.count(), 0);
+        QCOMPARE(view->columnSpan(6, 9), 9);
+        QCOMPARE(view->columnWidth(8), hexWidth);
+        QCOMPARE(view->rowHeight(100), 15);
+    }
+
+    // A widget's change reports the bit's cell and the register's value cell,
+    // in each view; a bit already in place reports nothing.
+    void dataChangedCells()
+    {
+        mapshow* map = main->firstMap();
+        triad(map)->resize(600, 400); // registers side by side: 4
+        auto* check = qobject_cast<QCheckBox*>(widget("TS_EXE")); // register 9, D0
+        auto* spin = qobject_cast<QSpinBox*>(widget("ChA_PLL_RDiv")); // register 21, D4 to D0
+        check->setChecked(false), spin->setValue(0);
+        QSignalSpy triadSpy(model(map), &QAbstractItemModel::dataChanged);
+        check->setChecked(true);
+        spin->setValue(5);
+        QCOMPARE(cells(triadSpy), QStringList({"14,16", "14,17", "32,16", "32,17", "32,14", "32,17"}));
+        triadSpy.clear();
+        emit check->stateChanged(check->checkState());
+        QCOMPARE(triadSpy.count(), 0);
+
+        QSignalSpy namedSpy(model(named.get()), &QAbstractItemModel::dataChanged);
+        named->applyPartToImage("TS_EXE_ZV4280v2");
+        named->applyPartToImage("ChA_PLL_RDiv_ZV4280v2");
+        QCOMPARE(cells(namedSpy), QStringList({"9,17", "9,2", "21,17", "21,2", "21,13", "21,2"}));
+        QCOMPARE(named->guiImage[9], quint8(0x01));
+        QCOMPARE(named->guiImage[21], quint8(0x05));
+    }
+
+    // "row column text": names, values, and the fields that own the bits.
+    void namedCells_data()
+    {
+        QTest::addColumn<QString>("row");
+        for (const char* r : {"0 0 0", "0 1 Version1", "17 1 ChA_Flo_2", "227 1 ", "290 1 INT_Status_12",
+                              "290 0 290", "17 6 ChA_Flo<22>", "19 18 ChA_Flo<0>", "6 10 CLK_EN", "6 4 Unused",
+                              "21 10 ChA_PLL_RDiv<4>", "21 18 ChA_PLL_RDiv<0>", "6 2 00", "6 19 00"})
+            QTest::newRow(r) << QString(r);
+    }
+    void namedCells()
+    {
+        QFETCH(QString, row);
+        const QAbstractItemModel* m = model(named.get());
+        QCOMPARE(m->rowCount(), 291);
+        QCOMPARE(m->columnCount(), 20);
+        QCOMPARE(text(m, row.section(' ', 0, 0).toInt(), row.section(' ', 1, 1).toInt()), row.section(' ', 2));
+        QCOMPARE(m->index(0, 0).data(Qt::TextAlignmentRole).toInt(), 1);
+    }
+
+    void namedHeadersAndColours()
+    {
+        const QAbstractItemModel* m = model(named.get());
+        QStringList headers;
+        for (int c = 0; c < 20; ++c)
+            headers << m->headerData(c, Qt::Horizontal).toString();
+        QCOMPARE(headers, QStringList({"Addr", "Name", "Value", "D7", "D7", "D6", "D6", "D5", "D5", "D4", "D4", "D3",
+                                       "D3", "D2", "D2", "D1", "D1", "D0", "D0", "Default"}));
+        QCOMPARE(m->headerData(3, Qt::Vertical).toString(), QString());
+
+        named->guiImage[30] = 0x40, named->cfgImage[30] = 0xC3;
+        QCOMPARE(colour(m, 30, 0), "#FFFFFF");
+        QCOMPARE(colour(m, 31, 0), "#EEEEEE");
+        QCOMPARE(colour(m, 30, 5, Qt::ForegroundRole), "#FF6666"); // D6 differs from its old copy
+        QCOMPARE(colour(m, 30, 6, Qt::ForegroundRole), "#FF6666");
+        QCOMPARE(colour(m, 30, 2, Qt::ForegroundRole), "#FF6666");
+        QCOMPARE(colour(m, 30, 3, Qt::ForegroundRole), "none");
+        QCOMPARE(colour(m, 30, 19, Qt::ForegroundRole), "none");
+        QCOMPARE(text(m, 30, 2), "40");
+        QCOMPARE(text(m, 30, 19), "C3");
+        named->dropOldGUI(); // the old copies of this view are never refreshed
+        QCOMPARE(colour(m, 30, 5, Qt::ForegroundRole), "#FF6666");
+        named->guiImage[30] = 0;
+    }
+
+    // "stem column edited bit field": a bit cell edit moves the image and the
+    // owning widget; an unowned bit stays as it is.
+    void namedEdit_data()
+    {
+        QTest::addColumn<QString>("row");
+        for (const char* r : {"CLK_EN 9 1 1 1", "CLK_EN 9 0 0 0", "CLK_EN 9 5 1 1", "CLK_EN 9 -3 0 0",
+                              "ChA_PLL_RDiv 15 1 1 2", "ChA_PLL_RDiv 17 5 1 3", "ChA_PLL_RDiv 15 -3 0 1",
+                              "ChA_PLL_RDiv 9 1 1 17"})
+            QTest::newRow(r) << QString(r);
+    }
+    void namedEdit()
+    {
+        QFETCH(QString, row);
+        const QStringList r = row.split(' ');
+        QAbstractItemModel* m = model(named.get());
+        const int reg = r[0] == "CLK_EN" ? 6 : 21, column = r[1].toInt();
+        if (QTest::currentDataTag() == QByteArray("CLK_EN 9 1 1 1"))
+            named->guiImage[6] = 0, named->guiImage[21] = 0, named->setPartValue("ChA_PLL_RDiv_ZV4280v2", named->guiImage);
+        QVERIFY(m->flags(m->index(reg, column)).testFlag(Qt::ItemIsEditable));
+        QSignalSpy spy(m, &QAbstractItemModel::dataChanged);
+        m->setData(m->index(reg, column), r[2]);
+        QCOMPARE(text(m, reg, column), r[3]);
+        QCOMPARE(named->getBit(named->guiImage, reg * 8 + (column - 3) / 2), r[3].toInt());
+        QCOMPARE(named->getPartValue(r[0] + "_ZV4280v2"), r[4].toUInt());
+        QCOMPARE(cells(spy).first(), QString("%1,%2").arg(reg).arg(column));
+    }
+    void namedEditUnowned()
+    {
+        QAbstractItemModel* m = model(named.get());
+        const QByteArray before(reinterpret_cast<const char*>(named->guiImage), 291);
+        QSignalSpy spy(m, &QAbstractItemModel::dataChanged);
+        m->setData(m->index(6, 3), "1"); // position 48
+        m->setData(m->index(6, 10), "1"); // the name column of CLK_EN
+        QCOMPARE(QByteArray(reinterpret_cast<const char*>(named->guiImage), 291), before);
+        QCOMPARE(cells(spy), QStringList({"6,3", "6,10"}));
+        QVERIFY(!m->flags(m->index(6, 10)).testFlag(Qt::ItemIsEditable));
+        QVERIFY(!m->flags(m->index(6, 2)).testFlag(Qt::ItemIsEditable));
+    }
+
+    // The bit table model: the triad geometry with a fixed number of columns
+    // and its own texts and colours.
+    void regTable()
+    {
+        quint8 gui[8] = {0x81, 0, 0, 0, 0, 0, 0, 0}, ic[8] = {0x01}, cfg[8] = {0, 0, 0, 0, 0, 0x3C};
+        quint8* images[3] = {gui, ic, cfg};
+        RegTableModel m(images, 6, 4, nullptr);
+        QCOMPARE(m.columnCount(), 36);
+        QCOMPARE(m.rowCount(), 12);
+        QCOMPARE(m.setRegisterColumns(6), 6);
+        QCOMPARE(m.setRegisterColumns(4), 12);
+        QCOMPARE(m.index(0, 9).data(), QVariant(1));
+        QCOMPARE(m.index(6, 9).data(), QVariant(5));
+        QCOMPARE(text(&m, 1, 8), "hh");
+        QCOMPARE(text(&m, 2, 8), "81");
+        QCOMPARE(text(&m, 11, 0), "");
+        QCOMPARE(text(&m, 6, 18), "-");
+        QCOMPARE(text(&m, 10, 9), "0");
+        QCOMPARE(text(&m, 10, 17), "3C");
+        QCOMPARE(m.index(0, 0).data(Qt::TextAlignmentRole).toInt(), 132);
+        // D7 of register 0 differs from the chip's image on every image line.
+        for (int line : {2, 3, 4, 5})
+            QCOMPARE(colour(&m, line, 0), "#00BFFF");
+        QCOMPARE(colour(&m, 2, 7), "#DDDDDD");
+        QCOMPARE(colour(&m, 3, 6), "#FFFFFF");
+        QCOMPARE(colour(&m, 8, 18), "#DDDDDD");
+        QCOMPARE(colour(&m, 2, 8), "#FFFF00");
+        QCOMPARE(colour(&m, 0, 0), "none");
+        QStringList vertical;
+        for (int section = 0; section < 7; ++section)
+            vertical << m.headerData(section, Qt::Vertical).toString();
+        QCOMPARE(vertical, QStringList({"Reg", "Bit", "wr", "rd", "cfg", "", "Reg"}));
+        QCOMPARE(m.headerData(0, Qt::Horizontal), QVariant(QString()));
+        QSignalSpy spy(&m, &QAbstractItemModel::dataChanged);
+        QVERIFY(!m.setData(m.index(2, 0), "0"));
+        QCOMPARE(cells(spy), QStringList({"2,0"}));
+        QCOMPARE(gui[0], quint8(0x81));
+    }
+};
+
+QTEST_MAIN(tst_mapview)
+#include "tst_mapview.moc"

@@ -1,5 +1,13 @@
 #include "simulated_chip.h"
 
+#include "hex_format.h"
+#include "hex_reader.h"
+
+static void initSimResources()
+{
+    Q_INIT_RESOURCE(sim);
+}
+
 namespace zvsim {
 
 namespace {
@@ -11,6 +19,15 @@ constexpr int kChipId = 4280; // 13 bits over registers 0 and 1
 
 SimulatedChip::SimulatedChip()
 {
+    // Powered up as the tool's "default.hex" sets a chip up.
+    initSimResources();
+    QStringList lines;
+    HexReader::readLines(QStringLiteral(":/sim/default.hex"), &lines);
+    for (const QString& line : qAsConst(lines))
+        if (HexFormat::classify(line) == HexFormat::LineKind::Register)
+            if (const auto reg = HexFormat::readRegister(line))
+                if (reg->number < kRegisters)
+                    regs[size_t(reg->number)] = reg->value;
     regs[0] = uint8_t(kChipId >> 5);
     regs[1] = uint8_t((kChipId & 0x1F) << 3);
     setRelease(2);

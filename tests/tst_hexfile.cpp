@@ -66,6 +66,7 @@ private slots:
     {
         zvTestInit();
         main = new MainClass;
+        QVERIFY(waitIdle(main));
         QVERIFY((map = main->firstMap()));
         QVERIFY(dir.isValid());
     }

@@ -1,0 +1,238 @@
+#include "MainClass.h"
+#include "clerk.h"
+#include "gui_save.h"
+#include "hex_writer.h"
+#include "mapshow.h"
+#include "part.h"
+#include "service_block.h"
+#include "testbed.h"
+#include "testsupport.h"
+#include "translation.h"
+#include <QtTest>
+#include <QtWidgets>
+#include <random>
+
+// The file commands of the real main window on a simulated board: file to
+// chip, chip to file, file to GUI and GUI to file, the map-name tests, and
+// the file dialogs answered as a user answers them.
+class tst_filecommands : public QObject
+{
+    Q_OBJECT
+    std::unique_ptr<zvsim::Testbed> bus;
+    MainClass* main = nullptr;
+    mapshow* map = nullptr;
+    int board = 0;
+    QTemporaryDir dir;
+
+    void set(const char* key, int value) { main->service->setSetting(key, value); }
+    QString path(const QString& name) const { return dir.filePath(name); }
+    QByteArray image(const quint8* i) const { return QByteArray(reinterpret_cast<const char*>(i), int(map->registerCount)); }
+    static void write(const QString& file, const QByteArray& text)
+    {
+        QFile f(file);
+        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(text);
+    }
+    static QByteArray read(const QString& file)
+    {
+        QFile f(file);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
+    }
+    QList<QByteArray> sent() const
+    {
+        QList<QByteArray> frames;
+        for (const zvsim::WireFrame& f : bus->wireLog())
+            if (f.out)
+                frames << f.bytes;
+        return frames;
+    }
+    // Runs one command in a worker of its own and gives its end message.
+    QString run(int command, const QString& file)
+    {
+        clerk worker(command, file, main->service, main->maps);
+        if (command == 6)
+            worker.save = GuiSave::take(*map, main->service->settings);
+        QSignalSpy end(&worker, &clerk::error_mess);
+        worker.start();
+        if (!end.wait(10000) || !worker.wait(5000) || end.count() != 1)
+            return "<no single end message>";
+        return end.at(0).at(0).toString();
+    }
+    // Answers the next file dialog with a path, as a user types it.
+    void answerDialog(const QString& answer)
+    {
+        auto* poll = new QTimer(this);
+        connect(poll, &QTimer::timeout, [poll, answer] {
+            for (QWidget* w : QApplication::topLevelWidgets()) {
+                auto* dialog = qobject_cast<QFileDialog*>(w);
+                if (dialog && dialog->isVisible()) {
+                    auto* name = dialog->findChild<QLineEdit*>("fileNameEdit");
+                    QVERIFY(name);
+                    name->setText(answer);
+                    QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
+                    poll->deleteLater();
+                    return;
+                }
+            }
+        });
+        poll->start(20);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        zvTestInit();
+        installTranslation(*QCoreApplication::instance());
+        if (!zvsim::Testbed::available())
+            QSKIP("needs umockdev-wrapper");
+        QVERIFY(dir.isValid());
+        main = new MainClass;
+        QVERIFY(waitIdle(main));
+        map = main->firstMap();
+    }
+    void init()
+    {
+        bus.reset(new zvsim::Testbed);
+        board = bus->addBoard();
+        for (auto [key, value] : {std::pair{"ConfigCheck", 1}, {"writePause", 0}, {"MergeFile", 0},
+                                  {"HexComment", 0}, {"ChangesOnly", 0}})
+            set(key, value);
+    }
+    void cleanup()
+    {
+        QVERIFY(waitIdle(main));
+        QCOMPARE(bus->claims(board), bus->releases(board));
+        QCOMPARE(bus->closes(board), bus->opens(board));
+        bus.reset();
+    }
+    void cleanupTestCase() { delete main; }
+
+    // Each section goes to the chip as one block, in file order, after a
+    // pause of its own; a register may be written twice.
+    void fileToChipInSections()
+    {
+        write(path("two.hex"), ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\n");
+        set("writePause", 60);
+        bus->clearWireLog();
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(run(3, path("two.hex")), QString());
+        QVERIFY(clock.elapsed() >= 120);
+        QCOMPARE(sent().mid(1), QList<QByteArray>({QByteArray::fromHex("1506001E11001F22"),
+                                                   QByteArray::fromHex("1503001E33")}));
+        QCOMPARE(bus->chip(board).reg(30), quint8(0x33));
+        QCOMPARE(bus->chip(board).reg(31), quint8(0x22));
+    }
+
+    // Where the name of the map in a file is looked at, and what it must be.
+    void mapNames_data()
+    {
+        QTest::addColumn<int>("command");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<int>("configCheck");
+        QTest::addColumn<bool>("accepted");
+        const QByteArray saved = ";ZV4280\nReg40\t5A\n", exact = ";ZV4280v2\nReg40\t5A\n", bare = "Reg40\t5A\n",
+                         other = ";XY12\nReg40\t5A\n";
+        for (int check : {1, 0}) {
+            QTest::addRow("file to chip, saved by the tool, check %d", check) << 3 << saved << check << (check == 0);
+            QTest::addRow("file to chip, exact name, check %d", check) << 3 << exact << check << true;
+            QTest::addRow("file to chip, no map line, check %d", check) << 3 << bare << check << true;
+            QTest::addRow("file to chip, other map, check %d", check) << 3 << other << check << (check == 0);
+            QTest::addRow("file to GUI, saved by the tool, check %d", check) << 5 << saved << check << true;
+            QTest::addRow("file to GUI, exact name, check %d", check) << 5 << exact << check << true;
+            QTest::addRow("file to GUI, no map line, check %d", check) << 5 << bare << check << (check == 0);
+            QTest::addRow("file to GUI, other map, check %d", check) << 5 << other << check << (check == 0);
+        }
+    }
+    void mapNames()
+    {
+        QFETCH(int, command);
+        QFETCH(QByteArray, text);
+        QFETCH(int, configCheck);
+        QFETCH(bool, accepted);
+        write(path("names.hex"), text);
+        set("ConfigCheck", configCheck);
+        bus->chip(board).setReg(40, 0);
+        map->guiImage[40] = 0;
+        const QByteArray images = image(map->guiImage) + image(map->cfgImage);
+        QCOMPARE(run(command, path("names.hex")), accepted ? QString() : "RegMap name is incorrect\nor not exist");
+        const quint8 landed = command == 3 ? bus->chip(board).reg(40) : map->guiImage[40];
+        QCOMPARE(landed, quint8(accepted ? 0x5A : 0));
+        if (!accepted)
+            QCOMPARE(image(map->guiImage) + image(map->cfgImage), images);
+        if (!accepted && command == 3)
+            QCOMPARE(sent().size(), 1); // the identity read alone
+    }
+
+    // A file of three registers: cfgImage is that file, guiImage keeps every
+    // other register; a later line wins, a register beyond the image is
+    // passed over, and a missing file changes nothing.
+    void fileToGui()
+    {
+        std::fill_n(map->guiImage, map->registerCount, quint8(0xEE));
+        write(path("three.hex"), ";ZV4280\nReg0\t01\nReg1\t02\nReg2\t03\nReg1\t12\nReg291\t44\nReg99999\t55\n");
+        QCOMPARE(run(5, path("three.hex")), QString());
+        QByteArray cfg(int(map->registerCount), 0), gui(int(map->registerCount), char(0xEE));
+        cfg[0] = gui[0] = 1, cfg[1] = gui[1] = 0x12, cfg[2] = gui[2] = 3;
+        QCOMPARE(image(map->cfgImage), cfg);
+        QCOMPARE(image(map->guiImage), gui);
+        QCOMPARE(run(5, path("missing.hex")), QStringLiteral("\".hex\" file is not available"));
+        QCOMPARE(image(map->guiImage), gui);
+        QCOMPARE(run(3, path("missing.hex")), QStringLiteral("\".hex\" file is not available"));
+    }
+
+    void chipToFile()
+    {
+        std::mt19937 random(42);
+        for (int r = 6; r < 291; ++r)
+            bus->chip(board).setReg(r, quint8(random()));
+        QCOMPARE(run(4, path("chip.hex")), QString());
+        QByteArray expected = ";ZV4280\n";
+        for (int r = 0; r < 291; ++r)
+            expected += "Reg" + QByteArray::number(r) + '\t'
+                        + QByteArray::number(bus->chip(board).reg(r), 16).rightJustified(2, '0').toUpper() + '\n';
+        QCOMPARE(read(path("chip.hex")), expected);
+        // Appended, the file grows by a second section.
+        set("MergeFile", 1);
+        QCOMPARE(run(4, path("chip.hex")), QString());
+        QCOMPARE(read(path("chip.hex")).count(";ZV4280\n"), 2);
+        // No board: the old file stays as it was.
+        set("MergeFile", 0);
+        bus->removeBoard(board);
+        QCOMPARE(run(4, path("chip.hex")), QStringLiteral("WINUSB: USB interface error "));
+        QCOMPARE(read(path("chip.hex")).count(";ZV4280\n"), 2);
+    }
+
+    // F6 and F7 through their file dialogs: what is saved loads back into
+    // the same widgets.
+    void saveAndLoadThroughDialogs()
+    {
+        set("HexComment", 1);
+        auto* rdiv = qobject_cast<QSpinBox*>(map->parts.value("ChA_PLL_RDiv_ZV4280v2")->widget);
+        rdiv->setValue(rdiv->value() == 13 ? 14 : 13);
+        const int saved = rdiv->value();
+        const QByteArray gui = image(map->guiImage);
+        answerDialog(path("gui.hex"));
+        main->on_action_GUIFILE_triggered();
+        QVERIFY(waitIdle(main));
+        QCOMPARE(main->lastPath, dir.path() + "/");
+        QVERIFY(read(path("gui.hex")).contains("Reg21\t" + QByteArray::number(gui[21] & 0xFF, 16).rightJustified(2, '0').toUpper()
+                                               + " //R-divider ratio:  " + QByteArray::number(saved)));
+
+        rdiv->setValue(saved + 1);
+        answerDialog(path("gui.hex"));
+        main->on_action_FILEGUI_triggered();
+        QVERIFY(waitIdle(main));
+        QCOMPARE(rdiv->value(), saved);
+        QCOMPARE(image(map->guiImage).left(107), gui.left(107));
+        QCOMPARE(main->windowTitle(), "ZV4280(v2/v3) TB 1.0.3" + path("gui.hex"));
+
+        // A folder in the way of the file: the save says so.
+        QVERIFY(QDir(dir.path()).mkpath("taken.hex"));
+        QCOMPARE(run(6, path("taken.hex")), QStringLiteral("\".hex\" file is not available"));
+        QVERIFY(QFileInfo(path("taken.hex")).isDir());
+    }
+};
+
+QTEST_MAIN(tst_filecommands)
+#include "tst_filecommands.moc"

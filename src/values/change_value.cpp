@@ -9,6 +9,8 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QSpinBox>
+#include <QStringView>
+#include <QVarLengthArray>
 
 #include <cmath>
 #include <memory>
@@ -32,15 +34,40 @@ QString fixed(double value, int decimals)
 // One run of the chain: the changed field and where its values live.
 struct Rules
 {
+    Rules(MainClass* w, mapshow* m, const QString& k, quint32 v) : window(w), map(m), key(k), fieldValue(v)
+    {
+        for (int at = key.indexOf(kChip); at >= 0; at = key.indexOf(kChip, at + 1))
+            chipAt.append(at);
+    }
+
     MainClass* window;
     mapshow* map;       // the map of the sender's chip word
     const QString& key; // the sender's fieldKey
     quint32 fieldValue; // the code as the image holds it
+    QVarLengthArray<int, 2> chipAt; // where the chip word stands in the key
 
-    // A test names a field by its stem; with the chip word behind it, it
-    // matches that one key.
-    bool is(const QString& stem) const { return key.contains(stem + kChip); }
-    bool is(const char* stem) const { return is(QLatin1String(stem)); }
+    // A test names a field by its stem (in one or two pieces); it matches
+    // when the key contains the stem with the chip word behind it, which is
+    // in effect that one key. Every change runs some 130 of these tests, so
+    // they look at the key where the chip word stands instead of building
+    // the text.
+    bool is(QLatin1String a, QLatin1String b = QLatin1String()) const
+    {
+        for (int at : chipAt) {
+            const int start = at - a.size() - b.size();
+            if (start >= 0 && QStringView(key).mid(start, a.size()) == a
+                && QStringView(key).mid(start + a.size(), b.size()) == b)
+                return true;
+        }
+        return false;
+    }
+    bool is(const char* a, const char* b = "") const { return is(QLatin1String(a), QLatin1String(b)); }
+    // The key is exactly this field's.
+    bool isExactly(const char* stem) const
+    {
+        const QLatin1String s(stem);
+        return key.size() == s.size() + kChip.size() && key.startsWith(s) && key.endsWith(kChip);
+    }
 
     QObject* field(const QString& stem) const
     {
@@ -207,8 +234,9 @@ struct Rules
     }
 
     // Row 13: the detector, autoselection and LNA boxes of one channel.
-    void lnaWeb(const QString& ch) const
+    void lnaWeb(const char* channel) const
     {
+        const QLatin1String ch(channel);
         QCheckBox* lnaOn = check(ch + QStringLiteral("_LNA_ON"));
         QCheckBox* autoSelect = check(ch + QStringLiteral("_AAD_LNA_SW"));
         QWidget* type = fieldWidget(ch + QStringLiteral("_LNA_TP"));
@@ -219,19 +247,19 @@ struct Rules
             enable(type, typeOn);
             enableCaption(typeCaption, typeOn);
         };
-        if (is(ch + QStringLiteral("_AAD_ON"))) {
+        if (is(channel, "_AAD_ON")) {
             enable(autoSelect, fieldValue != 0);
             if (autoSelect && autoSelect->isChecked())
                 open(fieldValue == 0);
         }
-        if (is(ch + QStringLiteral("_LNA_ON"))) {
+        if (is(channel, "_LNA_ON")) {
             bool on = fieldValue != 0;
             if (autoSelect && autoSelect->isChecked())
                 on = !autoSelect->isEnabled();
             enable(type, on);
             enableCaption(typeCaption, on);
         }
-        if (is(ch + QStringLiteral("_AAD_LNA_SW")))
+        if (is(channel, "_AAD_LNA_SW"))
             open(fieldValue == 0);
     }
 
@@ -279,12 +307,12 @@ void MainClass::change_Value(int val)
         return;
     const quint32 fieldValue = map->applyPartToImage(p->name);
     const QString& key = p->name;
-    const Rules r{this, map, key, fieldValue};
+    const Rules r(this, map, key, fieldValue);
     const auto stem = [](const char* ch, const char* rest) { return QLatin1String(ch) + QLatin1String(rest); };
 
     // Output clock and reference.
     for (const char* k : {"CLK_SOURCE", "ChA_Flo", "ChB_Flo", "ChC_Flo", "Fx", "PLL_CDiv", "CLK_OUT_TP"})
-        if (key == QLatin1String(k) + kChip) {
+        if (r.isExactly(k)) {
             r.amplitudeList();
             break;
         }
@@ -305,7 +333,7 @@ void MainClass::change_Value(int val)
 
     // Row 9: the ADC widgets follow the output type.
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_IFA_OT"))) {
+        if (r.is(ch, "_IFA_OT")) {
             Rules::enable(r.fieldWidget(stem(ch, "_ADC_CLK_TP")), fieldValue != 0);
             Rules::enable(r.fieldWidget(stem(ch, "_IFA_ADC_OL")), fieldValue != 0);
         }
@@ -317,7 +345,7 @@ void MainClass::change_Value(int val)
 
     // Row 10: gains and thresholds shown anew from the image.
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_IFA_OT")) || r.is(stem(ch, "_IFA_GC_MD")))
+        if (r.is(ch, "_IFA_OT") || r.is(ch, "_IFA_GC_MD"))
             for (const char* g : {"_IFA_I_Gain", "_IFA_Q_Gain"})
                 r.showOutput(stem(ch, g) + kChip, r.gainText(QLatin1String(ch), r.imageCode(stem(ch, g), 10)));
     if (r.is("ChD_IFA_OT") || r.is("ChD_IFA_AGC_MD"))
@@ -326,33 +354,33 @@ void MainClass::change_Value(int val)
 
     // Rows 11 and 12: antenna status.
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_LNA1_EN_st")))
+        if (r.is(ch, "_LNA1_EN_st"))
             r.show(lnaStateWords[qMin<quint32>(fieldValue, 3)]);
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_AAD_WORK")))
+        if (r.is(ch, "_AAD_WORK"))
             r.show(fieldValue == 0 ? QStringLiteral("not connected") : QStringLiteral("connected "));
 
     // Row 13.
     for (const char* ch : kChannels)
-        r.lnaWeb(QLatin1String(ch));
+        r.lnaWeb(ch);
 
     // Row 14: the sidebands that the polyphase filter drops close their cut-off.
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_PPF_MODE"))) {
+        if (r.is(ch, "_PPF_MODE")) {
             r.enableWithDisplay(stem(ch, "_LPF_I_BW_ref"), fieldValue != 1);
             r.enableWithDisplay(stem(ch, "_LPF_Q_BW_ref"), fieldValue != 2);
         }
 
     // Row 15: dividers are edited by hand in integer-N only.
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_PLL_DIV_MD"))) {
+        if (r.is(ch, "_PLL_DIV_MD")) {
             Rules::enable(r.fieldWidget(stem(ch, "_PLL_DSM_N")), fieldValue == 0);
             Rules::enable(r.fieldWidget(stem(ch, "_PLL_RDiv")), fieldValue == 0);
         }
 
     // Row 16: the gain fields close in "auto" with the analog output.
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_IFA_GC_MD")) || r.is(stem(ch, "_IFA_OT"))) {
+        if (r.is(ch, "_IFA_GC_MD") || r.is(ch, "_IFA_OT")) {
             const bool on = r.index(stem(ch, "_IFA_GC_MD")) <= r.index(stem(ch, "_IFA_OT"));
             r.enableWithDisplay(stem(ch, "_IFA_I_Gain"), on);
             r.enableWithDisplay(stem(ch, "_IFA_Q_Gain"), on);
@@ -360,33 +388,33 @@ void MainClass::change_Value(int val)
 
     // Rows 17 to 19: gain, cut-off and phase of channels A to C.
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_IFA_I_Gain")) || r.is(stem(ch, "_IFA_Q_Gain")))
+        if (r.is(ch, "_IFA_I_Gain") || r.is(ch, "_IFA_Q_Gain"))
             r.show(r.gainText(QLatin1String(ch), fieldValue));
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_LPF_I_BW_ref")) || r.is(stem(ch, "_LPF_Q_BW_ref")))
+        if (r.is(ch, "_LPF_I_BW_ref") || r.is(ch, "_LPF_Q_BW_ref"))
             r.show(fixed(lpfBandwidth[qMin<quint32>(fieldValue, 127)], 1) + QStringLiteral(" MHz"));
     for (const char* ch : kChannels)
-        if (r.is(stem(ch, "_QF_shift")))
+        if (r.is(ch, "_QF_shift"))
             r.show(fixed(qfShiftDegrees[qMin<quint32>(fieldValue, 63)], 1) + QStringLiteral("°"));
 
     // Rows 20 to 22, channel by channel: LNA currents, loop filter, SAS.
     for (const char* ch : kChannels) {
-        if (r.is(stem(ch, "_LNA1_CC")))
+        if (r.is(ch, "_LNA1_CC"))
             r.show(fixed(fieldValue * 50 + 250, 0) + QStringLiteral("µA"));
-        if (r.is(stem(ch, "_LNA2_CC")))
+        if (r.is(ch, "_LNA2_CC"))
             r.show(fixed(fieldValue * 50 + 100, 0) + QStringLiteral("µA"));
-        if (r.is(stem(ch, "_PLL_LF_C1")) || r.is(stem(ch, "_PLL_LF_C2")))
+        if (r.is(ch, "_PLL_LF_C1") || r.is(ch, "_PLL_LF_C2"))
             r.show(fixed(fieldValue * 19.5 + 19.5, 1) + QStringLiteral("pF"));
-        if (r.is(stem(ch, "_PLL_LF_R1")))
+        if (r.is(ch, "_PLL_LF_R1"))
             r.show(fixed(fieldValue * 2 + 2, 0) + QStringLiteral("kOhm"));
         for (const char* v : {"_PLL_SAS_ADC_OUT", "_PLL_SAS_DAC_IN", "_PLL_SAS_HB", "_PLL_SAS_LB"})
-            if (r.is(stem(ch, v)))
+            if (r.is(ch, v))
                 r.show(r.sasVoltage(QLatin1String(ch)));
-        if (r.is(stem(ch, "_PLL_SAS_ADC_TC"))) {
+        if (r.is(ch, "_PLL_SAS_ADC_TC")) {
             const double fx = r.value(QStringLiteral("Fx"));
             r.show(fixed(std::pow(2.0, double(fieldValue) + 1) * 64 / fx, 2) + QStringLiteral(" s"));
         }
-        if (r.is(stem(ch, "_PLL_SAS_BAND_TC"))) {
+        if (r.is(ch, "_PLL_SAS_BAND_TC")) {
             const double fx = r.value(QStringLiteral("Fx"));
             r.show(fixed((std::pow(2.0, double(fieldValue)) + 1) * 64 / fx, 2) + QStringLiteral(" s"));
         }

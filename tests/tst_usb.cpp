@@ -129,19 +129,18 @@ private slots:
     void writeBlockCopiesBackFullFrames()
     {
         bus->addBoard();
-        const int addresses[13] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 5, 0};
-        QByteArray chipOwn;
-        for (int r : {0, 1, 4, 5})
-            chipOwn += char(bus->chip(0).reg(r));
+        const int addresses[13] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 5, 0}, own[4] = {0, 1, 4, 5};
+        quint8 held[4];
+        for (int k = 0; k < 4; ++k)
+            held[k] = bus->chip(0).reg(own[k]);
         std::vector<quint8> list;
         for (int a : addresses)
             list.insert(list.end(), {0, quint8(a), 0x77});
         QVERIFY(link->writeBlock(13, list.data()));
         for (int i = 0; i < 13; ++i)
             QCOMPARE(int(list[size_t(3 * i + 2)]), i < 10 ? int(bus->chip(0).reg(addresses[i])) : 0x77);
-        chipOwn[2] = char(0x74 | (chipOwn[2] & 3));
         for (int k = 0; k < 4; ++k)
-            QCOMPARE(bus->chip(0).reg(QVector<int>{0, 1, 4, 5}[k]), quint8(chipOwn[k]));
+            QCOMPARE(bus->chip(0).reg(own[k]), k == 2 ? quint8(0x74 | (held[2] & 3)) : held[k]);
     }
 
     // Serial interfaces have no register protocol: every operation is refused

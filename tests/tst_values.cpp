@@ -60,8 +60,8 @@ private slots:
     void guard_data()
     {
         QTest::addColumn<QString>("row");
-        for (const char* r : {"ChA_Flo 8388607 8388608 8388607", "ChD_Flo 8388607 8388608 8388607",
-                              "Fx 65535 65536 65535", "ChA_PLL_RDiv 7 40 31"})
+        for (const char* r : {"ChA_Flo 8388607 8388608 8388607", "ChD_Flo 200000 8388608 200000",
+                              "Fx 65535 65536 65535", "Fx 16000 65536 16000", "ChA_PLL_RDiv 7 40 31"})
             QTest::newRow(r) << QString(r);
     }
     void guard()
@@ -85,12 +85,14 @@ private slots:
             "ChA_IFA_GC_MD=0;ChA_IFA_OT=0;ChA_IFA_I_Gain=0|1.7dB", "ChA_IFA_GC_MD=1;ChA_IFA_OT=1;ChA_IFA_I_Gain=0|0.0%",
             "ChA_IFA_GC_MD=1;ChA_IFA_OT=0;ChA_IFA_Q_Gain=64|1.4dB", // auto with the analog output stays in dB
             "ChC_IFA_GC_MD=0;ChC_IFA_OT=1;ChC_IFA_I_Gain=1023|59.2dB",
-            "ChC_IFA_GC_MD=1;ChC_IFA_OT=1;ChC_IFA_I_Gain=1023|96.0%", "ChB_LPF_Q_BW_ref=0|8.9 MHz", "ChC_QF_shift=63|104.9°", "ChA_LNA1_EN_st=3|unexp",
-            "ChB_LNA1_EN_st=0|no active", "ChC_AAD_WORK=1|connected ", "ChA_AAD_WORK=0|not connected",
+            "ChC_IFA_GC_MD=1;ChC_IFA_OT=1;ChC_IFA_I_Gain=1023|96.0%", "ChB_LPF_Q_BW_ref=0|8.9 MHz",
+            "ChC_QF_shift=63|104.9°", "ChB_LNA1_EN_st=0|no active", "ChC_AAD_WORK=1|connected ",
+            "ChA_AAD_WORK=0|not connected",
             "ChB_LNA1_CC=7|600µA", "ChA_LNA2_CC=7|450µA", "ChB_PLL_LF_C2=31|624.0pF", "ChD_PLL_LF_R1=31|64kOhm",
             "ChD_PLL_LF_C1=1|39.0pF", "ChB_PLL_SAS_DAC_FS=0;ChB_PLL_SAS_HB=31|2.42V",
             "ChB_PLL_SAS_DAC_FS=1;ChB_PLL_SAS_HB=31|1.00*VCC V", "Fx=16000;ChA_PLL_SAS_ADC_TC=10|8.19 s",
-            "Fx=16000;ChA_PLL_SAS_BAND_TC=10|4.10 s", "ChD_IFA_OT=0;ChD_IFA_Q_AGC_LL=227|n/a", "ChD_IFA_OT=1;ChD_IFA_Q_AGC_HL=255|99.6%",
+            "Fx=16000;ChA_PLL_SAS_BAND_TC=10|4.10 s", "ChD_IFA_OT=0;ChD_IFA_Q_AGC_LL=227|n/a",
+            "ChD_IFA_OT=1;ChD_IFA_Q_AGC_HL=255|99.6%",
             "ChD_IFA_I_GC=511|73.74dB", "ChD_IFA_I_GCst=300|300", "ChD_IFA_AGC_ADC_TC=15|32768",
             "ChD_LNA_AGC_Low=55|306.00mV", "ChD_LNA_AGC_High=56|n/a", "ChD_MIX_AGC_Low=55|301.0mV",
             "ChD_MIX_AGC_High=63|n/a", "ChD_LPF_CF=255|10.8 MHz", "ChD_R_Div=0|unused", "ChD_R_Div=1|1",

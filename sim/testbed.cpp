@@ -1,5 +1,7 @@
 #include "testbed.h"
 
+#include <QStringList>
+
 #include <glib.h>
 #include <umockdev.h>
 
@@ -16,6 +18,7 @@
 #include <functional>
 #include <future>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace zvsim {
@@ -54,9 +57,9 @@ struct Board
     bool driverBound = false;
     bool refuseClaim = false;
     int unplugAfter = -1;
-    int stallAt = -1;    // index of the transfer that stalls
-    int shortFrom = -1;  // the first IN transfer from this index is short
-    int shortBytes = 0;
+    bool stallNext = false;
+    int shortNext = -1;
+    std::optional<TransferFault> fault;
     int opens = 0;
     std::vector<UMockdevIoctlClient*> clients; // every client seen, referenced
     int transfers = 0;
@@ -260,30 +263,46 @@ void Testbed::Private::submit(Board* b, UMockdevIoctlClient* client, UMockdevIoc
                                     ? umockdev_ioctl_data_resolve(urbData, offsetof(usbdevfs_urb, buffer),
                                                                   gsize(urb.buffer_length), nullptr)
                                     : nullptr;
-    const int index = b->transfers++;
+    ++b->transfers;
     const bool out = !(urb.endpoint & 0x80);
+    std::optional<TransferFault> fault;
+    if (b->fault && b->fault->out == out && b->fault->skip-- == 0)
+        fault.swap(b->fault);
+    if (b->stallNext) {
+        b->stallNext = false;
+        fault = TransferFault{TransferFault::Stall, out};
+    }
+    if (!out && b->shortNext >= 0) {
+        fault = TransferFault{TransferFault::Short, false, 0, b->shortNext};
+        b->shortNext = -1;
+    }
+    // What crosses the wire: all of it, nothing for a stall, the first bytes of a short transfer.
+    int moved = urb.buffer_length;
+    const bool stalled = fault && fault->kind == TransferFault::Stall;
     urb.status = 0;
-    urb.actual_length = urb.buffer_length;
-    if (index == b->stallAt) {
-        b->stallAt = -1;
+    if (stalled) {
+        moved = 0;
         urb.status = -EPIPE;
-        urb.actual_length = 0;
-    } else if (out) {
-        const QByteArray frame = buffer ? QByteArray(reinterpret_cast<const char*>(buffer->data), urb.buffer_length)
-                                        : QByteArray();
-        log.append({b->index, true, frame});
-        b->pendingReply = b->chip.answer(frame);
-    } else {
-        QByteArray reply = b->pendingReply.left(urb.buffer_length);
-        b->pendingReply.clear();
-        if (b->shortFrom >= 0 && index >= b->shortFrom) {
-            reply.truncate(b->shortBytes);
-            b->shortFrom = -1;
+    } else if (fault && fault->kind == TransferFault::Short) {
+        moved = qMin(fault->bytes, moved);
+    } else if (fault) {
+        urb.status = -EOVERFLOW;
+    }
+    if (out) {
+        const QByteArray frame = buffer ? QByteArray(reinterpret_cast<const char*>(buffer->data), moved) : QByteArray();
+        if (!stalled) {
+            log.append({b->index, true, frame});
+            b->pendingReply = b->chip.answer(frame);
         }
+        urb.actual_length = moved;
+    } else {
+        QByteArray reply = b->pendingReply.left(moved);
+        b->pendingReply.clear();
         urb.actual_length = reply.size();
         if (buffer && !reply.isEmpty())
             umockdev_ioctl_data_update(buffer, 0, reinterpret_cast<guint8*>(reply.data()), reply.size());
-        log.append({b->index, false, reply});
+        if (!stalled)
+            log.append({b->index, false, reply});
     }
     umockdev_ioctl_data_update(urbData, offsetof(usbdevfs_urb, status), reinterpret_cast<guint8*>(&urb.status),
                                sizeof(urb.status));
@@ -403,19 +422,22 @@ void Testbed::unplugAfter(int board, int transfers)
     b->unplugAfter = b->transfers + transfers;
 }
 
-void Testbed::stallNext(int board, int after)
+void Testbed::stallNext(int board)
 {
     std::lock_guard<std::mutex> guard(d->mutex);
-    Board* b = d->boards.at(size_t(board)).get();
-    b->stallAt = b->transfers + after;
+    d->boards.at(size_t(board))->stallNext = true;
 }
 
-void Testbed::shortNext(int board, int bytes, int after)
+void Testbed::shortNext(int board, int bytes)
 {
     std::lock_guard<std::mutex> guard(d->mutex);
-    Board* b = d->boards.at(size_t(board)).get();
-    b->shortFrom = b->transfers + after;
-    b->shortBytes = bytes;
+    d->boards.at(size_t(board))->shortNext = bytes;
+}
+
+void Testbed::failTransfer(int board, const TransferFault& fault)
+{
+    std::lock_guard<std::mutex> guard(d->mutex);
+    d->boards.at(size_t(board))->fault = fault;
 }
 
 void Testbed::refuseClaim(int board, bool refuse)
@@ -462,6 +484,18 @@ int Testbed::releases(int board) const
 {
     std::lock_guard<std::mutex> guard(d->mutex);
     return d->boards.at(size_t(board))->releases;
+}
+
+QString Testbed::unreleased() const
+{
+    QStringList boards;
+    for (int board = 0; board < int(d->boards.size()); ++board) {
+        const int taken[2] = {opens(board), claims(board)}, given[2] = {closes(board), releases(board)};
+        if (taken[0] != given[0] || taken[1] != given[1])
+            boards << QStringLiteral("board %1: %2 opens, %3 closes, %4 claims, %5 releases")
+                          .arg(board).arg(taken[0]).arg(given[0]).arg(taken[1]).arg(given[1]);
+    }
+    return boards.join(QStringLiteral("; "));
 }
 
 bool Testbed::kernelDriverBound(int board) const

@@ -21,6 +21,18 @@ struct BoardConfig
     bool kernelDriver = false; // a driver holds interface 0
 };
 
+// How one bulk transfer goes wrong: it stalls and moves nothing; it ends
+// short after `bytes` bytes without an error; or it moves every byte and
+// still reports an error (an overflow). A stalled or short frame OUT reaches
+// the chip only as far as it got.
+struct TransferFault
+{
+    enum Kind { Stall, Short, Overflow } kind = Stall;
+    bool out = false; // direction of the transfer that goes wrong
+    int skip = 0;     // transfers of that direction that go through first
+    int bytes = 0;    // Short: the bytes moved
+};
+
 // One bulk transfer as it crossed the wire.
 struct WireFrame
 {
@@ -51,10 +63,9 @@ public:
 
     // Faults, each for the given board.
     void unplugAfter(int board, int transfers); // later transfers fail: no device
-    // The next transfer stalls; with `after`, the one after that many more.
-    void stallNext(int board, int after = 0);
-    // The next IN transfer (after `after` more transfers) moves only `bytes`.
-    void shortNext(int board, int bytes, int after = 0);
+    void stallNext(int board);                  // the next transfer stalls
+    void shortNext(int board, int bytes);       // the next IN transfer moves only this many bytes
+    void failTransfer(int board, const TransferFault& fault);
     void refuseClaim(int board, bool refuse);
 
     int opens(int board) const;
@@ -63,6 +74,10 @@ public:
     bool kernelDriverBound(int board) const;
     int claims(int board) const;
     int releases(int board) const;
+    // The boards that were not let go as often as they were taken (opens
+    // against closes, claims against releases), e.g. "board 0: 2 opens, 1
+    // close"; empty when every board is.
+    QString unreleased() const;
 
     QList<WireFrame> wireLog() const;
     void clearWireLog();

@@ -30,9 +30,6 @@ private slots:
         QTest::newRow("inverted") << "ZV_ChD_VCO_CVHI_ZV4280v2_645_1_I" << "ChD_VCO_CVHI_ZV4280v2" << "ZV4280v2"
                                   << true << Nums{645} << Nums{1};
         QTest::newRow("joined") << "ZV_A_ZV4280v2_10p20_3p4" << "A_ZV4280v2" << "ZV4280v2" << false << Nums{10, 20} << Nums{3, 4};
-        // The mark is any 'I' in the last token, which then no longer counts as the width.
-        QTest::newRow("I in width token") << "ZV_A_B_ZV4280v2_5_1I" << "A_B" << "B" << true << Nums{0} << Nums{5};
-        QTest::newRow("unreadable numbers") << "ZV_A_ZV4280v2_x1_w" << "A_ZV4280v2" << "ZV4280v2" << false << Nums{0} << Nums{0};
     }
     void parse()
     {

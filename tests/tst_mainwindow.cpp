@@ -53,6 +53,16 @@ private slots:
         QCOMPARE(main->windows.keys(), QStringList({"GrAllSS", "GrGenServ", "GrSChA", "GrSChB", "GrSChC", "GrSChD",
             "ZV4280v2", "dockA", "dockB", "dockC", "dockD", "dockMain", "mainWindow", "service"}));
     }
+
+    // Closing the main window closes the panel, the docks, the map and the expert windows with it.
+    void closingTheMainWindowClosesAll()
+    {
+        for (QWidget* window : qAsConst(main->windows))
+            window->show();
+        QVERIFY(main->close());
+        for (auto it = main->windows.cbegin(); it != main->windows.cend(); ++it)
+            QVERIFY2(!it.value()->isVisible(), qPrintable(it.key()));
+    }
 };
 
 QTEST_MAIN(tst_mainwindow)

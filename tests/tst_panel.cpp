@@ -23,7 +23,13 @@ private slots:
             QSKIP("needs umockdev-wrapper");
     }
     void init() { bus.reset(new zvsim::Testbed), panel.reset(new service_block); }
-    void cleanup() { panel.reset(), bus.reset(); }
+    // Every test lets go of each board as often as it took it.
+    void cleanup()
+    {
+        const QString unreleased = bus->unreleased();
+        panel.reset(), bus.reset();
+        QCOMPARE(unreleased, QString());
+    }
 
     void startValuesAndTexts()
     {

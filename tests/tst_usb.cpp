@@ -49,7 +49,14 @@ class tst_usb : public QObject
 private slots:
     void initTestCase() { if (!zvsim::Testbed::available()) QSKIP("needs umockdev-wrapper"); }
     void init() { bus.reset(new zvsim::Testbed); link.reset(new usb_link); }
-    void cleanup() { link.reset(); bus.reset(); }
+    // Every test, passing or failing, lets go of each board as often as it took it.
+    void cleanup()
+    {
+        const QString unreleased = bus->unreleased();
+        link.reset();
+        bus.reset();
+        QCOMPARE(unreleased, QString());
+    }
 
     void frames_data()
     {
@@ -118,18 +125,22 @@ private slots:
     }
 
     // The chip's answers to a written block come back into the list from full
-    // frames only: registers 0, 1 and 5, and two bits of 4, keep the chip's values.
+    // frames only; registers 0, 1 and 5, and two bits of 4, keep the chip's values.
     void writeBlockCopiesBackFullFrames()
     {
         bus->addBoard();
-        const int addresses[13] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 5, 0};
+        const int addresses[13] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 5, 0}, own[4] = {0, 1, 4, 5};
+        quint8 held[4];
+        for (int k = 0; k < 4; ++k)
+            held[k] = bus->chip(0).reg(own[k]);
         std::vector<quint8> list;
         for (int a : addresses)
             list.insert(list.end(), {0, quint8(a), 0x77});
         QVERIFY(link->writeBlock(13, list.data()));
         for (int i = 0; i < 13; ++i)
             QCOMPARE(int(list[size_t(3 * i + 2)]), i < 10 ? int(bus->chip(0).reg(addresses[i])) : 0x77);
-        QVERIFY(bus->chip(0).reg(1) != 0x77);
+        for (int k = 0; k < 4; ++k)
+            QCOMPARE(bus->chip(0).reg(own[k]), k == 2 ? quint8(0x74 | (held[2] & 3)) : held[k]);
     }
 
     // Serial interfaces have no register protocol: every operation is refused
@@ -180,31 +191,36 @@ private slots:
         QCOMPARE(value, opened >= 0 ? bus->chip(opened).reg(1) : quint8(0x42));
     }
 
-    // A failing board or one refusing the claim of interface 0: the operation
-    // says so, the caller's buffer keeps what it held, and the device is let go.
+    // A board that fails in mid-operation, or refuses the claim of interface 0:
+    // the operation says so, the caller's buffer keeps what it held, and no
+    // transfer follows the failed one (an IN after a lost frame would wait
+    // out its timeout). Blocks fail in their third frame.
     void faults_data()
     {
         QTest::addColumn<QString>("fault");
         QTest::addColumn<QString>("op");
-        for (const char* op : {"readBlock", "readAuto", "read"})
-            for (const char* fault : {"unplug", "stall", "short", "claim"})
+        for (const char* op : {"read", "write", "readBlock", "writeBlock", "readAuto", "writeAuto"})
+            for (const char* fault : {"unplug", "stall in", "short in", "overflow in", "stall out", "short out",
+                                      "overflow out", "claim"})
                 QTest::addRow("%s, %s", fault, op) << fault << op;
     }
     void faults()
     {
         QFETCH(QString, fault);
         QFETCH(QString, op);
+        const int skip = op == "read" || op == "write" ? 0 : 2;
+        const bool out = fault.endsWith("out");
         bus->addBoard();
         if (fault == "unplug")
-            bus->unplugAfter(0, op == "read" ? 1 : 5); // blocks lose the board in their third frame
-        if (fault == "stall")
-            bus->stallNext(0);
-        if (fault == "short")
-            bus->shortNext(0, 3);
+            bus->unplugAfter(0, 2 * skip + 1);
+        for (auto kind : {zvsim::TransferFault::Stall, zvsim::TransferFault::Short, zvsim::TransferFault::Overflow})
+            if (fault.startsWith(QStringList{"stall", "short", "overflow"}.at(kind)))
+                bus->failTransfer(0, {kind, out, skip, 3});
         bus->refuseClaim(0, fault == "claim");
         QVERIFY(!run(op, 0, 107));
         QVERIFY(buf == before);
         QCOMPARE(uses(0), (QList<int>{1, 1}));
+        QCOMPARE(bus->transfers(0), fault == "claim" ? 0 : 2 * skip + (out || fault == "unplug" ? 1 : 2));
     }
 
     void chipValuesRoundTrip()

@@ -1,6 +1,7 @@
 #include "MainClass.h"
 #include "mapshow.h"
 #include "part.h"
+#include "tables.h"
 #include "testsupport.h"
 #include <QtTest>
 #include <QtWidgets>
@@ -60,8 +61,8 @@ private slots:
     void guard_data()
     {
         QTest::addColumn<QString>("row");
-        for (const char* r : {"ChA_Flo 8388607 8388608 8388607", "ChD_Flo 8388607 8388608 8388607",
-                              "Fx 65535 65536 65535", "ChA_PLL_RDiv 7 40 31"})
+        for (const char* r : {"ChA_Flo 8388607 8388608 8388607", "ChD_Flo 200000 8388608 200000",
+                              "Fx 65535 65536 65535", "Fx 16000 65536 16000", "ChA_PLL_RDiv 7 40 31"})
             QTest::newRow(r) << QString(r);
     }
     void guard()
@@ -85,26 +86,28 @@ private slots:
             "ChA_IFA_GC_MD=0;ChA_IFA_OT=0;ChA_IFA_I_Gain=0|1.7dB", "ChA_IFA_GC_MD=1;ChA_IFA_OT=1;ChA_IFA_I_Gain=0|0.0%",
             "ChA_IFA_GC_MD=1;ChA_IFA_OT=0;ChA_IFA_Q_Gain=64|1.4dB", // auto with the analog output stays in dB
             "ChC_IFA_GC_MD=0;ChC_IFA_OT=1;ChC_IFA_I_Gain=1023|59.2dB",
-            "ChC_IFA_GC_MD=1;ChC_IFA_OT=1;ChC_IFA_I_Gain=1023|96.0%", "ChA_LPF_I_BW_ref=127|37.1 MHz",
-            "ChB_LPF_Q_BW_ref=0|8.9 MHz", "ChC_QF_shift=63|104.9°", "ChA_LNA1_EN_st=3|unexp",
-            "ChB_LNA1_EN_st=0|no active", "ChC_AAD_WORK=1|connected ", "ChA_AAD_WORK=0|not connected",
+            "ChC_IFA_GC_MD=1;ChC_IFA_OT=1;ChC_IFA_I_Gain=1023|96.0%", "ChB_LPF_Q_BW_ref=0|8.9 MHz",
+            "ChC_QF_shift=63|104.9°", "ChB_LNA1_EN_st=0|no active", "ChC_AAD_WORK=1|connected ",
+            "ChA_AAD_WORK=0|not connected",
             "ChB_LNA1_CC=7|600µA", "ChA_LNA2_CC=7|450µA", "ChB_PLL_LF_C2=31|624.0pF", "ChD_PLL_LF_R1=31|64kOhm",
             "ChD_PLL_LF_C1=1|39.0pF", "ChB_PLL_SAS_DAC_FS=0;ChB_PLL_SAS_HB=31|2.42V",
             "ChB_PLL_SAS_DAC_FS=1;ChB_PLL_SAS_HB=31|1.00*VCC V", "Fx=16000;ChA_PLL_SAS_ADC_TC=10|8.19 s",
-            "Fx=16000;ChA_PLL_SAS_BAND_TC=10|4.10 s", "ChD_IFA_OT=0;ChD_IFA_I_AGC_HL=226|601 mV",
-            "ChD_IFA_OT=0;ChD_IFA_Q_AGC_LL=227|n/a", "ChD_IFA_OT=1;ChD_IFA_Q_AGC_HL=255|99.6%",
+            "Fx=16000;ChA_PLL_SAS_BAND_TC=10|4.10 s", "ChD_IFA_OT=0;ChD_IFA_Q_AGC_LL=227|n/a",
+            "ChD_IFA_OT=1;ChD_IFA_Q_AGC_HL=255|99.6%",
             "ChD_IFA_I_GC=511|73.74dB", "ChD_IFA_I_GCst=300|300", "ChD_IFA_AGC_ADC_TC=15|32768",
             "ChD_LNA_AGC_Low=55|306.00mV", "ChD_LNA_AGC_High=56|n/a", "ChD_MIX_AGC_Low=55|301.0mV",
-            "ChD_MIX_AGC_High=63|n/a", "ChD_LPF_CF=255|10.8 MHz", "ChD_QF_FM_shift=32|90.00°",
-            "ChD_QF_VHF_shift=0|76.00°", "ChD_QF_UHF_shift=63|105.70°", "ChD_R_Div=0|unused", "ChD_R_Div=1|1",
+            "ChD_MIX_AGC_High=63|n/a", "ChD_LPF_CF=255|10.8 MHz", "ChD_R_Div=0|unused", "ChD_R_Div=1|1",
             "ChD_RF_AGC_DivR=0|0", "ChD_RF_AGC_DivR=1|2", "ChD_SAS_UB_3=15|1.9 V", "ChD_SAS_SB=12|12.00pt",
             "ChD_Flo=1820001;ChD_QF_S_scale=0;ChD_QF_LS_shift=0|81.20°",
             "ChD_Flo=1820000;ChD_QF_S_scale=0;ChD_QF_LS_shift=0|84.10°",
+            // Texts that turn on the fifth significant digit of a factor or an offset.
             // -56 * 9.8f rounds in single precision to -548.79999; in double it would end on 81.42.
             "ChD_Flo=1500000;ChD_QF_S_scale=2;ChD_QF_LS_shift=8|81.43°",
-            "ChD_Flo=100000;ChD_LNA_AGC_PST=0|-15.80dB", "ChD_Flo=200000;ChD_LNA_AGC_PST=3|-3.80dB",
-            "ChD_Flo=600000;ChD_LNA_AGC_PST=9|10.30dB", "ChD_Flo=1500000;ChD_LNA_AGC_PST=7|2.80dB",
-            "ChD_Flo=2000000;ChD_LNA_AGC_PST=15|18.10dB",
+            "ChD_Flo=2000000;ChD_QF_S_scale=0;ChD_QF_LS_shift=2|81.47°",
+            "ChD_Flo=2000000;ChD_QF_S_scale=0;ChD_QF_LS_shift=14|83.13°", // 83.125 exactly
+            "ChD_IFA_OT=1;ChD_IFA_Q_AGC_LL=16|6.3%", // 6.25 exactly
+            "TS_code=539|99.1 °C", "TS_code=541|97.5 °C", // 99.055 and 97.545
+            "CLK_OUT_TP=1;PLL_CDiv=4;ChA_Flo=400000;CLK_SOURCE=0;CLK_AMP=1;CLK_AMP=0|CLK_DC=1.70V,1.84V,2.60V,2.75V",
             // A change of mode or output shows the gains and thresholds anew.
             "ChB_IFA_GC_MD=1;ChB_IFA_OT=0;ChB_IFA_Q_Gain=1023;ChB_IFA_OT=1|ChB_IFA_Q_Gain=96.0%",
             "ChD_IFA_OT=0;ChD_IFA_I_AGC_HL=226;ChD_IFA_OT=1|ChD_IFA_I_AGC_HL=88.3%",
@@ -150,12 +153,37 @@ private slots:
     void enabling_data()
     {
         QTest::addColumn<QStringList>("steps");
-        QTest::newRow("clock") << QStringList{"CLK_OUT_TP=1;CLK_SOURCE=3|!PLL_CDiv CLK_AMP", "CLK_SOURCE=1|PLL_CDiv",
-            "CLK_OUT_TP=0|!CLK_AMP !CLK_DC CLK_CMOS_LVL", "CLK_OUT_TP=2|CLK_AMP !CLK_DC !CLK_CMOS_LVL",
-            "CLK_OUT_TP=1|CLK_AMP CLK_DC", "CLK_SOURCE=4;CLK_OUT_TP=3|!PLL_CDiv !CLK_AMP"}; // no PLL, after a type too
-        QTest::newRow("sampling input termination")
-            << QStringList{"FS_IN_LVDS_MD=1|FS_IN_LVDS_R FS_IN_LVDS_R_ON FS_IN_LVDS_RLabelG",
-                           "FS_IN_LVDS_MD=0|!FS_IN_LVDS_R !FS_IN_LVDS_R_ON !FS_IN_LVDS_RLabelG"};
+        // "settings;box|widget:items ...": each widget stands open for the listed items of the combo box and
+        // closed for all its other items; ChX is each of channels A to C.
+        for (const char* web : {"CLK_OUT_TP=0;CLK_SOURCE|PLL_CDiv:012 CLK_AMP: CLK_DC: CLK_CMOS_LVL:01234",
+                 "CLK_OUT_TP=1;CLK_SOURCE|PLL_CDiv:012 CLK_AMP:01234 CLK_DC:01234 CLK_CMOS_LVL:",
+                 "CLK_OUT_TP=2;CLK_SOURCE|PLL_CDiv:012 CLK_AMP:01234 CLK_DC: CLK_CMOS_LVL:",
+                 "CLK_OUT_TP=3;CLK_SOURCE|PLL_CDiv:012 CLK_AMP: CLK_DC: CLK_CMOS_LVL:",
+                 "CLK_SOURCE=1;CLK_OUT_TP|PLL_CDiv:0123 CLK_AMP:12 CLK_DC:1 CLK_CMOS_LVL:0",
+                 "CLK_SOURCE=4;CLK_OUT_TP|PLL_CDiv: CLK_AMP:12 CLK_DC:1 CLK_CMOS_LVL:0",
+                 "FS_IN_LVDS_MD|FS_IN_LVDS_R:1 FS_IN_LVDS_R_ON:1 FS_IN_LVDS_RLabelG:1",
+                 "ChX_IFA_GC_MD=0;ChX_IFA_OT|ChX_ADC_CLK_TP:1 ChX_IFA_ADC_OL:1 ChX_IFA_I_Gain:01 ChX_IFA_Q_Gain:01",
+                 "ChX_IFA_GC_MD=1;ChX_IFA_OT|ChX_ADC_CLK_TP:1 ChX_IFA_ADC_OL:1 ChX_IFA_I_Gain:1 ChX_IFA_Q_Gain:1",
+                 "ChX_IFA_OT=0;ChX_IFA_GC_MD|ChX_IFA_I_Gain:0 ChX_IFA_Q_Gain:0 ChX_ADC_CLK_TP: ChX_IFA_ADC_OL:",
+                 "ChX_IFA_OT=1;ChX_IFA_GC_MD|ChX_IFA_I_Gain:01 ChX_IFA_Q_Gain:01 ChX_ADC_CLK_TP:01",
+                 "ChX_PPF_MODE|ChX_LPF_I_BW_ref:023 ChX_LPF_Q_BW_ref:013", "ChX_PLL_DIV_MD|ChX_PLL_DSM_N:0 ChX_PLL_RDiv:0",
+                 "ChD_IFA_OT|ChD_IFA_ADC_CLK_TP:1 ChD_IFA_ADC_OL:1 ChD_IFA_BUF_OP:0",
+                 "ChD_IFA_AGC_MD|ChD_IFA_I_GC:01 ChD_IFA_Q_GC:01 ChD_IFA_I_AGC_HL:23 ChD_IFA_Q_AGC_HL:23 "
+                 "ChD_IFA_I_AGC_LL:23 ChD_IFA_Q_AGC_LL:23",
+                 "ChD_RF_AGC_MODE|ChD_LNA_AGC_PST:0"})
+            for (const char* ch : {"ChA", "ChB", "ChC"}) {
+                const QString row = QString(web).replace("ChX", ch), box = row.section('|', 0, 0).section(';', -1);
+                QStringList steps;
+                for (int item = 0; item < qobject_cast<QComboBox*>(widget(box))->count(); ++item) {
+                    QStringList widgets;
+                    for (const QString& w : row.section('|', 1).split(' '))
+                        widgets << (w.section(':', 1).contains(QString::number(item)) ? "" : "!") + w.section(':', 0, 0);
+                    steps << QString("%1=%2|%3").arg(row.section('|', 0, 0)).arg(item).arg(widgets.join(' '));
+                }
+                QTest::newRow(qPrintable(row.section('|', 0, 0))) << steps;
+                if (!QByteArray(web).contains("ChX"))
+                    break;
+            }
         // The detector takes the LNA only with autoselection checked; the LNA box then leaves the type to it.
         QTest::newRow("LNA, autoselection") << QStringList{
             "ChA_AAD_ON=0;ChA_LNA_ON=1;ChA_AAD_LNA_SW=1;ChA_AAD_ON=1|ChA_AAD_LNA_SW !ChA_LNA_ON !ChA_LNA_TP",
@@ -165,21 +193,6 @@ private slots:
             "ChB_AAD_LNA_SW=0;ChB_LNA_ON=1;ChB_AAD_ON=1|ChB_AAD_LNA_SW ChB_LNA_ON ChB_LNA_TP",
             "ChB_LNA_ON=0|!ChB_LNA_TP !ChB_LNA_TPLabelG ChB_LNA_ON", "ChB_AAD_LNA_SW=1|!ChB_LNA_ON",
             "ChB_AAD_LNA_SW=0|ChB_LNA_ON"};
-        QTest::newRow("sidebands") << QStringList{
-            "ChA_PPF_MODE=1|ChA_LPF_Q_BW_ref !ChA_LPF_I_BW_ref", "ChA_PPF_MODE=2|ChA_LPF_I_BW_ref !ChA_LPF_Q_BW_ref",
-            "ChA_PPF_MODE=3|ChA_LPF_I_BW_ref ChA_LPF_Q_BW_ref"};
-        QTest::newRow("divider mode") << QStringList{"ChB_PLL_DIV_MD=1|!ChB_PLL_DSM_N !ChB_PLL_RDiv",
-                                                     "ChB_PLL_DIV_MD=0|ChB_PLL_DSM_N ChB_PLL_RDiv"};
-        QTest::newRow("gain mode and output") << QStringList{
-            "ChB_IFA_OT=0;ChB_IFA_GC_MD=1|!ChB_IFA_I_Gain !ChB_IFA_Q_Gain !ChB_ADC_CLK_TP !ChB_IFA_ADC_OL",
-            "ChB_IFA_OT=1|ChB_IFA_I_Gain ChB_IFA_Q_Gain ChB_ADC_CLK_TP ChB_IFA_ADC_OL",
-            "ChD_IFA_OT=1|ChD_IFA_ADC_OL !ChD_IFA_BUF_OP", "ChD_IFA_OT=0|!ChD_IFA_ADC_OL ChD_IFA_BUF_OP"};
-        QTest::newRow("channel D AGC") << QStringList{
-            "ChD_IFA_AGC_MD=1|ChD_IFA_I_GC ChD_IFA_Q_GC !ChD_IFA_I_AGC_HL !ChD_IFA_Q_AGC_HL !ChD_IFA_I_AGC_LL "
-            "!ChD_IFA_Q_AGC_LL",
-            "ChD_IFA_AGC_MD=2|!ChD_IFA_I_GC !ChD_IFA_Q_GC ChD_IFA_I_AGC_HL ChD_IFA_Q_AGC_HL ChD_IFA_I_AGC_LL "
-            "ChD_IFA_Q_AGC_LL",
-            "ChD_RF_AGC_MODE=1|!ChD_LNA_AGC_PST", "ChD_RF_AGC_MODE=0|ChD_LNA_AGC_PST"};
     }
     void enabling()
     {
@@ -194,6 +207,63 @@ private slots:
                 QVERIFY2(!display(stem) || display(stem)->isEnabled() == open, qPrintable(step + ": " + stem));
             }
         }
+    }
+
+    // The tables known in full (tests/data/value_tables.txt), code by code through the displays.
+    void tables_data()
+    {
+        QTest::addColumn<QString>("row");
+        QFile file(QStringLiteral(ZV_TEST_DATA "/value_tables.txt"));
+        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
+        for (const QString& line : QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts))
+            if (!line.startsWith('#'))
+                QTest::newRow(qPrintable(line.section('|', 0, 1))) << line;
+    }
+    void tables()
+    {
+        QFETCH(QString, row);
+        const QStringList entries = row.section('|', 4).split(", ");
+        QStringList expected, seen;
+        for (int code = 0; code < entries.size(); ++code) {
+            bool number = false;
+            const double value = entries[code].toDouble(&number);
+            expected << (number ? QString::number(value, 'f', row.section('|', 2, 2).toInt()) + row.section('|', 3, 3)
+                                : entries[code]);
+            set(row.section('|', 1, 1) + QString(";%1=%2").arg(row.section('|', 0, 0)).arg(code));
+            seen << shown(row.section('|', 0, 0));
+        }
+        QCOMPARE(seen, expected);
+    }
+
+    // The calibration tables known in part: every documented entry, and their shape between them.
+    void calibrationTables()
+    {
+        const struct { const char* name; const double* entries; int size, step; QVector<double> known; } rows[] = {
+            {"ifaGainDb", ifaGainDb.data(), 1024, 64, {1.7, 1.4, 1.8, 1.6, 8.1, 15.5, 24.9, 32.6, 37.9, 44.1, 46.2,
+                 53.2, 58.7, 59.0, 59.2, 59.2, 59.2}},
+            {"ifaGainPercent", ifaGainPercent.data(), 1024, 64, {0.0, 6.0, 12.0, 18.0, 24.0, 30.0, 35.0, 40.1, 45.1,
+                 50.9, 56.8, 62.6, 68.4, 74.6, 81.8, 88.9, 96.0}},
+            {"chdIfaGainDb", chdIfaGainDb.data(), 512, 32, {-6.34, -1.34, 3.53, 8.46, 13.51, 18.49, 23.39, 28.37,
+                 33.41, 38.40, 43.29, 48.27, 53.32, 58.31, 63.21, 68.20, 73.74}},
+            {"chdLpfCutoff", chdLpfCutoff.data(), 256, 16, {2.59, 3.392, 4.155, 4.88, 5.566, 6.214, 6.824, 7.395,
+                 7.928, 8.422, 8.878, 9.296, 9.675, 10.016, 10.318, 10.582, 10.795}}};
+        for (const auto& t : rows) {
+            QVector<double> known; // every step-th entry, then the last
+            for (int i = 0; i < t.size; i += t.step)
+                known << t.entries[i];
+            QCOMPARE(known << t.entries[t.size - 1], t.known);
+            for (int i = 1; i < t.size; ++i) {
+                const double rise = t.entries[i] - t.entries[i - 1];
+                const bool fits = t.entries == ifaGainDb.data() ? t.entries[i] >= 1.2 && t.entries[i] <= 59.5
+                                : t.entries == ifaGainPercent.data() ? rise > -1e-9 && rise < 0.2 + 1e-9
+                                : t.entries == chdLpfCutoff.data()   ? rise > 0
+                                : i % 32 ? rise > 0.1 && rise < 0.25 : -rise > 0.45 - 1e-9 && -rise < 0.61 + 1e-9;
+                QVERIFY2(fits, qPrintable(QString("%1 at %2").arg(t.name).arg(i)));
+            }
+        }
+        QCOMPARE(std::count(ifaGainDb.begin(), ifaGainDb.end(), 59.5), 2l);
+        QCOMPARE(ifaGainDb[975] + ifaGainDb[1021], 119.0);
+        QCOMPARE(*std::min_element(ifaGainDb.begin(), ifaGainDb.end()), 1.2);
     }
 
     // A mode change shows the gains anew from the image, not from the boxes.

@@ -350,13 +350,13 @@ private slots:
         fillChip();
         set("ReadStyle", style);
         const QByteArray before = images();
-        const int after = 2 + 2 * 3; // the identity read, then three exchanges
+        // The identity read, then three exchanges go through.
         if (fault == "unplug")
-            bus->unplugAfter(board, after);
+            bus->unplugAfter(board, 2 + 2 * 3);
         else if (fault == "stall")
-            bus->stallNext(board, after);
+            bus->failTransfer(board, {zvsim::TransferFault::Stall, false, 1 + 3});
         else if (fault == "short")
-            bus->shortNext(board, 3, after);
+            bus->failTransfer(board, {zvsim::TransferFault::Short, false, 1 + 3, 3});
         else
             bus->removeBoard(board);
         const QStringList messages = read();
@@ -487,17 +487,6 @@ private slots:
         QVERIFY(dockD->isVisible());
         QTest::mouseClick(bulb, Qt::LeftButton);
         QVERIFY(!dockD->isVisible());
-    }
-
-    // Closing the main window closes every window; it comes last.
-    void closeClosesAll()
-    {
-        main->show();
-        for (QWidget* w : main->windows)
-            w->show();
-        main->close();
-        for (auto it = main->windows.cbegin(); it != main->windows.cend(); ++it)
-            QVERIFY2(!it.value()->isVisible(), qPrintable(it.key()));
     }
 };
 

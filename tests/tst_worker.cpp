@@ -440,24 +440,36 @@ private slots:
         set("RepeatRead", 1), set("AutoPause", 1);
         bus->clearWireLog();
         auto reads = [&] { return sent().count(QByteArray::fromHex("151EC000") + QByteArray(28, 0)); };
-        action("action_ICGUI")->setChecked(false);
-        action("action_ICGUI")->trigger();
-        QTRY_COMPARE_WITH_TIMEOUT(reads(), 1, 5000);
+        // When each operation starts (the bar set to 0) and ends (100).
         QElapsedTimer clock;
         clock.start();
-        QTRY_COMPARE_WITH_TIMEOUT(reads(), 2, 5000);
-        QVERIFY(clock.elapsed() >= 900);
+        QList<QPair<int, qint64>> marks;
+        auto mark = connect(main->progressBar, &QProgressBar::valueChanged, [&](int v) {
+            if (v == 0 || v == 100)
+                marks << qMakePair(v, clock.elapsed());
+        });
+        action("action_ICGUI")->setChecked(false);
+        action("action_ICGUI")->trigger();
+        QTRY_VERIFY_WITH_TIMEOUT(reads() >= 2, 5000);
         QVERIFY(action("action_ICGUI")->isChecked());
         action("action_ICGUI")->trigger(); // F11 ends it
         QVERIFY(waitIdle(main));
+        disconnect(mark);
+        const int stopped = reads();
         QTest::qWait(1500);
-        QCOMPARE(reads(), 2);
+        QCOMPARE(reads(), stopped);
+        // Each read starts a pause after the end of the one before.
+        QVERIFY(marks.size() >= 4);
+        QCOMPARE(marks.at(0).first, 0);
+        QCOMPARE(marks.at(1).first, 100);
+        QCOMPARE(marks.at(2).first, 0);
+        QVERIFY2(marks.at(2).second - marks.at(1).second >= 900, qPrintable(QString::number(marks.at(2).second - marks.at(1).second)));
 
         // A failure ends it too, with the action unchecked.
         set("AutoPause", 0);
         ModalCatcher catcher;
         action("action_ICGUI")->trigger();
-        QTRY_VERIFY(reads() >= 4);
+        QTRY_VERIFY(reads() >= stopped + 2);
         bus->unplugAfter(board, 0);
         QTRY_COMPARE_WITH_TIMEOUT(catcher.texts.size(), 1, 5000);
         QVERIFY(!action("action_ICGUI")->isChecked());

@@ -9,7 +9,6 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QSpinBox>
-#include <QStringView>
 #include <QVarLengthArray>
 
 #include <cmath>
@@ -53,13 +52,22 @@ struct Rules
     // the text.
     bool is(QLatin1String a, QLatin1String b = QLatin1String()) const
     {
-        for (int at : chipAt) {
-            const int start = at - a.size() - b.size();
-            if (start >= 0 && QStringView(key).mid(start, a.size()) == a
-                && QStringView(key).mid(start + a.size(), b.size()) == b)
+        for (int at : chipAt)
+            if (endsAt(b, at) && endsAt(a, at - b.size()))
                 return true;
-        }
         return false;
+    }
+    // The key holds `text` right before position `end`; compared from the
+    // back, where keys differ most.
+    bool endsAt(QLatin1String text, int end) const
+    {
+        if (end < text.size())
+            return false;
+        const QChar* k = key.constData() + end;
+        for (int i = text.size() - 1; i >= 0; --i)
+            if (*--k != QLatin1Char(text.at(i)))
+                return false;
+        return true;
     }
     bool is(const char* a, const char* b = "") const { return is(QLatin1String(a), QLatin1String(b)); }
     // The key is exactly this field's.
@@ -236,6 +244,10 @@ struct Rules
     // Row 13: the detector, autoselection and LNA boxes of one channel.
     void lnaWeb(const char* channel) const
     {
+        const bool detector = is(channel, "_AAD_ON"), lna = is(channel, "_LNA_ON"),
+                   autoSwitch = is(channel, "_AAD_LNA_SW");
+        if (!detector && !lna && !autoSwitch)
+            return;
         const QLatin1String ch(channel);
         QCheckBox* lnaOn = check(ch + QStringLiteral("_LNA_ON"));
         QCheckBox* autoSelect = check(ch + QStringLiteral("_AAD_LNA_SW"));
@@ -247,19 +259,19 @@ struct Rules
             enable(type, typeOn);
             enableCaption(typeCaption, typeOn);
         };
-        if (is(channel, "_AAD_ON")) {
+        if (detector) {
             enable(autoSelect, fieldValue != 0);
             if (autoSelect && autoSelect->isChecked())
                 open(fieldValue == 0);
         }
-        if (is(channel, "_LNA_ON")) {
+        if (lna) {
             bool on = fieldValue != 0;
             if (autoSelect && autoSelect->isChecked())
                 on = !autoSelect->isEnabled();
             enable(type, on);
             enableCaption(typeCaption, on);
         }
-        if (is(channel, "_AAD_LNA_SW"))
+        if (autoSwitch)
             open(fieldValue == 0);
     }
 

@@ -201,10 +201,10 @@ private slots:
         QTest::addColumn<int>("reg1");
         QTest::addColumn<int>("command");
         QTest::addColumn<bool>("refused");
-        for (int reg1 : {0x01, 0x09, 0xF9, 0x02})
+        for (int reg1 : {0x01, 0x09, 0xF9, 0x02, 0x05})
             for (int command = 1; command <= 6; ++command)
                 QTest::addRow("register 1 = %02X, command %d", reg1, command)
-                    << reg1 << command << (reg1 != 0x02 && command <= 4);
+                    << reg1 << command << ((reg1 & 7) == 1 && command <= 4);
     }
     void chipIdentity()
     {
@@ -413,6 +413,10 @@ private slots:
         }
         QCOMPARE(bulbs, 32);
         QCOMPARE(fields, 46);
+        // The displays keep what the rules made of the file's codes.
+        for (const part* p : main->outputs)
+            if (p->widget->objectName().endsWith("_Expression"))
+                QVERIFY2(p->widget->property("text").toString() != "n/a", qPrintable(p->widget->objectName()));
         QVERIFY(!action("action_ICGUI")->isChecked());
     }
 

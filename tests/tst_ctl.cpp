@@ -376,6 +376,29 @@ private slots:
         }
     }
 
+    // The temperature code belongs to the chip: a change of it is written
+    // and reads back otherwise.
+    void readBackDiffers()
+    {
+        for (bool json : {false, true}) {
+            bus->chip(board).setReg(9, 0);
+            const Run r = ctl(json, {"field", "TS_code=5", "TS_MD=1"});
+            QCOMPARE(r.exit, 3);
+            QVERIFY2(r.err.startsWith("zv4280ctl: field: TS_code reads back ") && r.err.contains(" after 5 was written")
+                         && !r.err.contains("TS_MD"),
+                     r.err.constData());
+            QCOMPARE(bus->chip(board).reg(9) & 0x02, 0x02);
+            if (json) {
+                QCOMPARE(r.json().value("exit").toInt(), 3);
+                QCOMPARE(r.json().value("written").toArray(), (QJsonArray{4, 5, 9}));
+                QCOMPARE(r.json().value("fields").toArray().size(), 2);
+            } else {
+                QVERIFY(r.out.startsWith("TS_code="));
+                QVERIFY(r.out.contains("\nTS_MD=1\tMode: continuous\n"));
+            }
+        }
+    }
+
     // Every field, and what it takes; no board is needed.
     void listFields()
     {
@@ -425,6 +448,7 @@ private slots:
         QTest::newRow("not a number") << QStringList{"field", "ChA_PLL_RDiv=-1"} << "takes 0 to 31, not \"-1\"";
         QTest::newRow("read-only field") << QStringList{"field", "ChA_PLL_RDiv=1", "TS_MD=1", "AOK=1"}
                                          << "AOK is a label that only displays what the chip holds";
+        QTest::newRow("line edit") << QStringList{"field", "ID=1"} << "ID is a line edit that only displays";
         QTest::newRow("a field twice") << QStringList{"field", "TS_MD=1", "TS_MD_ZV4280v2=0"} << "TS_MD is given twice";
         QTest::newRow("names and codes mixed") << QStringList{"field", "TS_MD", "CLK_EN=1"}
                                                << "give either names to read or NAME=CODE to change";

@@ -42,28 +42,39 @@ QString CtlField::name() const
     return field->name.endsWith(chipWord) ? field->name.left(field->name.size() - chipWord.size()) : field->name;
 }
 
+namespace {
+
+// The words of each kind: for JSON, and for people.
+struct KindNames
+{
+    CtlField::Kind kind;
+    const char* key;
+    const char* words;
+};
+const KindNames kKindNames[] = {
+    {CtlField::Kind::CheckBox, "checkbox", "check box"}, {CtlField::Kind::ComboBox, "combobox", "combo box"},
+    {CtlField::Kind::SpinBox, "spinbox", "spin box"},    {CtlField::Kind::Label, "label", "label"},
+    {CtlField::Kind::LineEdit, "lineedit", "line edit"},
+};
+
+const KindNames& namesOf(CtlField::Kind kind)
+{
+    for (const KindNames& n : kKindNames)
+        if (n.kind == kind)
+            return n;
+    return kKindNames[3];
+}
+
+} // namespace
+
 QString CtlField::kindKey() const
 {
-    switch (widgetKind) {
-    case Kind::CheckBox: return QStringLiteral("checkbox");
-    case Kind::ComboBox: return QStringLiteral("combobox");
-    case Kind::SpinBox: return QStringLiteral("spinbox");
-    case Kind::LineEdit: return QStringLiteral("lineedit");
-    case Kind::Label: break;
-    }
-    return QStringLiteral("label");
+    return QLatin1String(namesOf(widgetKind).key);
 }
 
 QString CtlField::kindWords() const
 {
-    switch (widgetKind) {
-    case Kind::CheckBox: return QStringLiteral("check box");
-    case Kind::ComboBox: return QStringLiteral("combo box");
-    case Kind::SpinBox: return QStringLiteral("spin box");
-    case Kind::LineEdit: return QStringLiteral("line edit");
-    case Kind::Label: break;
-    }
-    return QStringLiteral("label");
+    return QLatin1String(namesOf(widgetKind).words);
 }
 
 bool CtlField::editable() const

@@ -181,7 +181,7 @@ QString CtlOptions::programHelp()
         "Exit status:\n"
         "  0  done\n"
         "  1  the board failed or is absent\n"
-        "  2  bad usage or bad input; nothing reached the chip\n"
+        "  2  bad usage or bad input; nothing was written to the chip\n"
         "  3  the read-back differs from what was written\n"
         "\n"
         "See zv4280ctl(1).\n");

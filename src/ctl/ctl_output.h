@@ -11,7 +11,7 @@
 enum class CtlExit {
     Done = 0,    // done
     Board = 1,   // the board failed or is absent
-    Usage = 2,   // bad usage or bad input; nothing reached the chip
+    Usage = 2,   // bad usage or bad input; nothing was written to the chip
     Differs = 3, // the read-back differs from what was written
 };
 

@@ -38,9 +38,16 @@ QMap<QString, QWidget*> MainClass::createWindows()
     return set;
 }
 
-MainClass::MainClass(QWidget* parent) : MainClass(createWindows(), parent) {}
+MainClass::MainClass(QWidget* parent) : MainClass(createWindows(), Start::LoadDefaults, parent) {}
+
+MainClass::MainClass(Start start, QWidget* parent) : MainClass(createWindows(), start, parent) {}
 
 MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, QWidget* parent)
+    : MainClass(windowSet, Start::LoadDefaults, parent)
+{
+}
+
+MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, Start start, QWidget* parent)
     : QMainWindow(parent), windows(windowSet), ui(new Ui::MainClass)
 {
     ui->setupUi(this);
@@ -56,7 +63,8 @@ MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, QWidget* parent)
 
     scanWindows();
     setDefaultState();
-    on_action_load_default_triggered();
+    if (start == Start::LoadDefaults)
+        on_action_load_default_triggered();
 }
 
 MainClass::~MainClass()

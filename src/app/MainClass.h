@@ -25,7 +25,12 @@ class MainClass : public QMainWindow
     Q_OBJECT
 
 public:
+    // How the window starts: the program loads "default.hex" as F5 does; the
+    // command-line tool starts idle and brings in the chip's state itself.
+    enum class Start { LoadDefaults, Idle };
+
     explicit MainClass(QWidget* parent = nullptr);
+    explicit MainClass(Start start, QWidget* parent = nullptr);
     // The same with another set of windows beside the main window and the
     // service panel, as tests build it.
     MainClass(const QMap<QString, QWidget*>& windowSet, QWidget* parent);
@@ -47,6 +52,15 @@ public:
     // first.
     QWidget* findWidget(const QString& objectName) const;
 
+    // A worker for a command with what it takes from this window: the panel,
+    // the maps and, for GUI to file, the save taken from the widgets now. The
+    // caller connects it, starts it and owns it.
+    clerk* newWorker(int command, const QString& fileName = QString());
+    // The widgets' side of a command that ended well: after a read or a load
+    // the widgets show guiImage, a load marks the chip-only status fields
+    // "n/a", any other command recomputes the spin boxes' displays.
+    void showOperationResult(int command);
+
     // Chip to file, from the service panel's (hidden) button. A plain member
     // rather than a slot: the button lives on the panel, so the main form's
     // connection by name must not look for it.
@@ -67,6 +81,7 @@ public slots:
     void error_message(QString m);
 
 private:
+    MainClass(const QMap<QString, QWidget*>& windowSet, Start start, QWidget* parent);
     static QMap<QString, QWidget*> createWindows();
     void scanWindows();
     void setDefaultState();
@@ -77,8 +92,6 @@ private:
     // Asks the running operation to stop; false when none runs.
     bool stopRunning();
     void startOperation(int command, const QString& fileName = QString());
-    // What a save needs from the widgets, collected before its thread starts.
-    void prepareSave(clerk* saver);
     QString askFile(bool save, const QString& caption);
     void pushImage(mapshow* map);
 

@@ -58,18 +58,19 @@ void MainClass::startOperation(int command, const QString& fileName)
     if (command >= 1 && command <= 8)
         progressBar->setFormat(tr(kOperationNames[command]) + QStringLiteral(" %p%"));
     progressAction()->setVisible(true);
-    worker = new clerk(command, fileName, service, maps);
-    if (command == 6)
-        prepareSave(worker);
+    worker = newWorker(command, fileName);
     connect(worker, &clerk::percent_up, progressBar, &QProgressBar::setValue);
     connect(worker, &clerk::error_mess, this, &MainClass::error_message);
     connect(worker, &QThread::finished, worker, &QObject::deleteLater);
     worker->start(QThread::InheritPriority);
 }
 
-void MainClass::prepareSave(clerk* saver)
+clerk* MainClass::newWorker(int command, const QString& fileName)
 {
-    saver->save = GuiSave::take(*firstMap(), service->settings);
+    auto* created = new clerk(command, fileName, service, maps);
+    if (command == 6)
+        created->save = GuiSave::take(*firstMap(), service->settings);
+    return created;
 }
 
 // Asks for a file in lastPath; empty when the user cancelled. Backslashes
@@ -166,17 +167,29 @@ void MainClass::error_message(QString m)
 
     const int cmd = worker->command;
     mapshow* map = firstMap();
+    showOperationResult(cmd);
     if (cmd == 1 || cmd == 5) {
-        pushImage(map);
-        map->refreshRegisterView();
-        map->repaint();
         if (service->setting(QStringLiteral("RepeatRead")) == 0)
             ui->action_ICGUI->setChecked(false);
         else if (ui->action_ICGUI->isChecked())
             QTimer::singleShot(service->setting(QStringLiteral("AutoPause")) * 1000, this,
                                &MainClass::on_action_ICGUI_triggered);
     }
-    if (cmd == 5) {
+    progressBar->setValue(100);
+    map->refreshRegisterView();
+    progressAction()->setVisible(false);
+    worker = nullptr;
+}
+
+void MainClass::showOperationResult(int command)
+{
+    mapshow* map = firstMap();
+    if (command == 1 || command == 5) {
+        pushImage(map);
+        map->refreshRegisterView();
+        map->repaint();
+    }
+    if (command == 5) {
         // A file cannot tell what the chip's status fields read: they show
         // "n/a" and the bulbs the disabled picture until the next read.
         for (part* p : qAsConst(outputs)) {
@@ -202,10 +215,6 @@ void MainClass::error_message(QString m)
                     emit box->valueChanged(int(map->getPartValue(it.key())));
         }
     }
-    progressBar->setValue(100);
-    map->refreshRegisterView();
-    progressAction()->setVisible(false);
-    worker = nullptr;
 }
 
 // Shows guiImage in every widget, in key order. A widget that changes runs

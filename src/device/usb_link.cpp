@@ -15,6 +15,24 @@ QString usb_link::deviceKey(quint16 vendor, quint16 product, quint8 bus, quint8 
            + QString::number(bus, 16) + QLatin1Char(' ') + QString::number(address, 16) + QLatin1Char(' ');
 }
 
+bool usb_link::parseDeviceKey(const QString& key, quint16* vendor, quint16* product, quint8* bus, quint8* address)
+{
+    const QStringList numbers = key.split(QLatin1Char(' '));
+    if (numbers.size() != 5 || !numbers.last().isEmpty())
+        return false;
+    bool ok[4] = {};
+    const uint values[4] = {numbers[0].toUInt(&ok[0], 16), numbers[1].toUInt(&ok[1], 16),
+                            numbers[2].toUInt(&ok[2], 16), numbers[3].toUInt(&ok[3], 16)};
+    if (!ok[0] || !ok[1] || !ok[2] || !ok[3] || values[0] > 0xFFFF || values[1] > 0xFFFF || values[2] > 0xFF
+        || values[3] > 0xFF)
+        return false;
+    *vendor = quint16(values[0]);
+    *product = quint16(values[1]);
+    *bus = quint8(values[2]);
+    *address = quint8(values[3]);
+    return true;
+}
+
 bool usb_link::scanDevices()
 {
     QMutexLocker guard(&lock);

@@ -66,6 +66,8 @@ public:
     // "2976 3 1 a ": vendor, product, bus, address in lower-case hex, each
     // followed by a blank.
     static QString deviceKey(quint16 vendor, quint16 product, quint8 bus, quint8 address);
+    // The four numbers of a key that deviceKey made; false for any other text.
+    static bool parseDeviceKey(const QString& key, quint16* vendor, quint16* product, quint8* bus, quint8* address);
 
     bool scanDevices();
     bool openDevice();

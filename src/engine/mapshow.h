@@ -63,6 +63,10 @@ public:
 
     bool eventFilter(QObject* object, QEvent* event) override;
 
+    // A field's code in an image as its bits hold it, before any inversion
+    // for the widget.
+    quint32 fieldImageValue(const part& p, const quint8* image) const;
+
 public slots:
     static part* ParseObjName(const QString& name);
 
@@ -85,7 +89,6 @@ public slots:
 
 private:
     quint32 runValue(const quint8* image, qint32 position, qint32 width) const;
-    quint32 fieldImageValue(const part& p, const quint8* image) const;
     void writeField(const part& p, quint32 value);
     void dropOld(int index);
     void setUpView();

@@ -30,9 +30,9 @@ QString oneLine(QString text)
     return text.replace(QLatin1Char('\n'), QLatin1Char(' '));
 }
 
-// What a field's widget says of the range of bits that starts at `start`:
-// "Execute: enabled", "Mode: single", "C-divider ratio:  4".
-QString fieldText(const mapshow& map, const part& field, qint64 start)
+} // namespace
+
+QString CommentBuilder::fieldText(const mapshow& map, const part& field, qint64 start)
 {
     const QObject* w = field.widget;
     if (!w)
@@ -73,8 +73,6 @@ QString fieldText(const mapshow& map, const part& field, qint64 start)
     }
     return QString();
 }
-
-} // namespace
 
 // Fields go in key order. A field stands in the comment of every register
 // that it touches, once per range; a separator comes first when the comment

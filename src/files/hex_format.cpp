@@ -18,6 +18,12 @@ QString HexFormat::mapName(const QString& trimmedMapLine)
     return trimmedMapLine.mid(1).replace(QLatin1Char('.'), QLatin1Char('v'));
 }
 
+QString HexFormat::loadedMapName(const QString& trimmedMapLine)
+{
+    const QString name = mapName(trimmedMapLine);
+    return name.contains(QLatin1String("ZV4280")) ? QStringLiteral("ZV4280v2") : name;
+}
+
 // "Reg12 0x5F", "Reg12\t5F //text", "Reg 12 &5f" and "Reg12 5F 77" all mean
 // register 12, value 0x5F: tabs count as blanks, "&", "0x" and "Reg" are
 // dropped anywhere in the line, and the first two pieces are the register

@@ -26,6 +26,10 @@ public:
     static LineKind classify(const QString& trimmedLine);
     // The map name of a map line: the text behind ";", every "." read as "v".
     static QString mapName(const QString& trimmedMapLine);
+    // The map that a map line means to a load into the GUI: any name that
+    // holds the chip word "ZV4280" (";ZV4280", ";ZV4280.2") is the map
+    // ZV4280v2; other names stand as mapName gives them.
+    static QString loadedMapName(const QString& trimmedMapLine);
     // Reads a register line the lenient way; nothing when the line is not
     // usable.
     static std::optional<Register> readRegister(const QString& line);

@@ -142,9 +142,7 @@ QString clerk::fileToGui()
     for (const QString& line : qAsConst(lines)) {
         switch (HexFormat::classify(line)) {
         case HexFormat::LineKind::Map:
-            name = HexFormat::mapName(line);
-            if (name.contains(QLatin1String("ZV4280")))
-                name = QStringLiteral("ZV4280v2");
+            name = HexFormat::loadedMapName(line);
             break;
         case HexFormat::LineKind::Register:
             if (setting("ConfigCheck") == 0)

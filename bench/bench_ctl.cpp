@@ -1,0 +1,109 @@
+// Whole-process time of zv4280ctl on a simulated board: "dump", and
+// "field NAME=CODE" (read, set, write the change, read back), with "get" as
+// the cost of a start without the forms. Medians of wall and processor time
+// over repeated runs; the board is served by this program's testbed thread,
+// as the launcher serves it.
+
+#include "testbed.h"
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <fcntl.h>
+#include <functional>
+#include <cstdio>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <vector>
+
+extern char** environ;
+
+namespace {
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    const size_t n = values.size();
+    return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
+}
+
+double seconds(const timeval& t)
+{
+    return double(t.tv_sec) + double(t.tv_usec) / 1e6;
+}
+
+struct Sample
+{
+    double wallMs = 0;
+    double cpuMs = 0; // user and system time of the program
+    int exit = -1;
+};
+
+// Runs the program with its arguments, its output dropped.
+Sample runOnce(const std::vector<const char*>& args)
+{
+    std::vector<char*> argv;
+    argv.push_back(const_cast<char*>(ZV_CTL_PROGRAM));
+    for (const char* a : args)
+        argv.push_back(const_cast<char*>(a));
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    Sample s;
+    QElapsedTimer clock;
+    clock.start();
+    pid_t child = 0;
+    if (posix_spawn(&child, ZV_CTL_PROGRAM, &actions, nullptr, argv.data(), environ) == 0) {
+        int status = 0;
+        rusage usage{};
+        if (wait4(child, &status, 0, &usage) == child) {
+            s.wallMs = clock.nsecsElapsed() / 1e6;
+            s.cpuMs = (seconds(usage.ru_utime) + seconds(usage.ru_stime)) * 1000;
+            s.exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        }
+    }
+    posix_spawn_file_actions_destroy(&actions);
+    return s;
+}
+
+bool measure(const char* what, int runs, const std::function<std::vector<const char*>(int)>& args)
+{
+    std::vector<double> wall, cpu;
+    for (int i = 0; i < runs; ++i) {
+        const Sample s = runOnce(args(i));
+        if (s.exit != 0) {
+            std::fprintf(stderr, "bench_ctl: %s ended with %d\n", what, s.exit);
+            return false;
+        }
+        wall.push_back(s.wallMs);
+        cpu.push_back(s.cpuMs);
+    }
+    std::printf("%-44s %9.1f ms wall %9.1f ms cpu  (fastest %.1f ms, %d runs)\n", what, median(wall), median(cpu),
+                *std::min_element(wall.begin(), wall.end()), runs);
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication app(argc, argv);
+    if (!zvsim::Testbed::available()) {
+        std::fprintf(stderr, "bench_ctl: run it under umockdev-wrapper\n");
+        return 1;
+    }
+    zvsim::Testbed bus;
+    bus.addBoard();
+    const int runs = 21;
+    // Alternate codes, so that every write changes the register.
+    const bool ok = measure("zv4280ctl get 12", runs, [](int) { return std::vector<const char*>{"get", "12"}; })
+                    && measure("zv4280ctl dump", runs, [](int) { return std::vector<const char*>{"dump"}; })
+                    && measure("zv4280ctl field ChA_PLL_RDiv=N", runs, [](int i) {
+                           return std::vector<const char*>{"field", i % 2 ? "ChA_PLL_RDiv=3" : "ChA_PLL_RDiv=12"};
+                       });
+    return ok ? 0 : 1;
+}

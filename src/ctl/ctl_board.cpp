@@ -1,0 +1,108 @@
+// Board listing and choice of zv4280ctl, over usb_link's scan.
+#include "ctl_board.h"
+
+#include "ctl_output.h"
+#include "ctl_options.h"
+#include "usb_link.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace {
+
+QString busAddress(const CtlBoard::Found& b)
+{
+    return QStringLiteral("%1:%2").arg(b.bus).arg(b.address);
+}
+
+} // namespace
+
+bool CtlBoard::scan(QList<Found>* boards)
+{
+    usb_link link;
+    if (!link.scanDevices())
+        return false;
+    boards->clear();
+    for (const QString& key : qAsConst(link.deviceList)) {
+        Found b;
+        b.key = key;
+        if (usb_link::parseDeviceKey(key, &b.vendor, &b.product, &b.bus, &b.address))
+            boards->append(b);
+    }
+    std::sort(boards->begin(), boards->end(), [](const Found& a, const Found& b) {
+        return a.bus != b.bus ? a.bus < b.bus : a.address < b.address;
+    });
+    return true;
+}
+
+QString CtlBoard::choose(const QString& spec, QString* error, bool* usage)
+{
+    *usage = false;
+    const QStringList parts = spec.split(QLatin1Char(':'));
+    qint64 bus = -1, address = -1;
+    if (parts.size() != 2 || parts[0].startsWith(QLatin1String("0x"), Qt::CaseInsensitive)
+        || parts[1].startsWith(QLatin1String("0x"), Qt::CaseInsensitive) || !CtlOptions::number(parts[0], &bus)
+        || !CtlOptions::number(parts[1], &address) || bus > 255 || address > 255) {
+        *usage = true;
+        *error = QStringLiteral("--board takes BUS:ADDRESS, two decimal numbers up to 255 as lsusb shows them, "
+                                "such as 1:5; not \"%1\"").arg(spec);
+        return QString();
+    }
+    QList<Found> boards;
+    if (!scan(&boards)) {
+        *error = QStringLiteral("cannot list the USB devices");
+        return QString();
+    }
+    QStringList present;
+    for (const Found& b : qAsConst(boards)) {
+        if (b.bus == bus && b.address == address)
+            return b.key;
+        present.append(busAddress(b));
+    }
+    *error = QStringLiteral("no bridge board at bus %1 address %2").arg(bus).arg(address);
+    *error += present.isEmpty() ? QStringLiteral("; none is attached")
+                                : QStringLiteral("; boards at ") + present.join(QStringLiteral(", "));
+    return QString();
+}
+
+QString CtlBoard::absence(bool boardChosen)
+{
+    QList<Found> boards;
+    if (!scan(&boards))
+        return QStringLiteral("cannot list the USB devices");
+    if (boards.isEmpty())
+        return QStringLiteral("no bridge board is attached");
+    if (boards.size() > 1 && !boardChosen) {
+        QStringList present;
+        for (const Found& b : qAsConst(boards))
+            present.append(busAddress(b));
+        return QStringLiteral("%1 bridge boards are attached (%2): choose one with --board BUS:ADDRESS")
+            .arg(boards.size())
+            .arg(present.join(QStringLiteral(", ")));
+    }
+    return QString();
+}
+
+int CtlBoard::listCommand(CtlOutput& out)
+{
+    QList<Found> boards;
+    if (!scan(&boards))
+        return out.fail(CtlExit::Board, QStringLiteral("cannot list the USB devices"));
+    QJsonArray list;
+    for (const Found& b : qAsConst(boards)) {
+        const QString vendor = QStringLiteral("%1").arg(b.vendor, 4, 16, QLatin1Char('0'));
+        const QString product = QStringLiteral("%1").arg(b.product, 4, 16, QLatin1Char('0'));
+        out.line(QStringLiteral("Bus %1 Device %2: ID %3:%4  --board %5")
+                     .arg(b.bus, 3, 10, QLatin1Char('0'))
+                     .arg(b.address, 3, 10, QLatin1Char('0'))
+                     .arg(vendor, product, busAddress(b)));
+        list.append(QJsonObject{{QStringLiteral("bus"), b.bus},
+                                {QStringLiteral("address"), b.address},
+                                {QStringLiteral("vendor"), vendor},
+                                {QStringLiteral("product"), product}});
+    }
+    out.set(QStringLiteral("devices"), list);
+    return out.done();
+}

@@ -1,0 +1,58 @@
+// One register field as zv4280ctl names and sets it: its widget's kind, the
+// codes it takes, and its code as the widget holds it.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class mapshow;
+struct part;
+
+class CtlField
+{
+public:
+    enum class Kind { CheckBox, ComboBox, SpinBox, Label, LineEdit };
+
+    // The field of a name with or without the chip word ("ChA_PLL_RDiv" or
+    // "ChA_PLL_RDiv_ZV4280v2"); not valid when the map has none.
+    CtlField(mapshow& map, const QString& name);
+    // A field of the map.
+    CtlField(mapshow& map, const part& field);
+
+    bool valid() const { return field != nullptr; }
+    const part& record() const { return *field; }
+    // The name without the chip word.
+    QString name() const;
+    Kind kind() const { return widgetKind; }
+    // "checkbox", "combobox", ...; and in words, "check box", ...
+    QString kindKey() const;
+    QString kindWords() const;
+    // Labels and line edits only display what the chip holds.
+    bool editable() const;
+    // The codes the field takes: 0 or 1 for a check box, an item's index for
+    // a combo box, from the box's minimum (at least 0) to 2^width - 1 for a
+    // spin box. A display field spans its bits.
+    quint32 lowest() const;
+    quint32 highest() const;
+    // The codes in words: "0 or 1", "4 to 255", "0 to 1: 0 single | 1 continuous".
+    QString allowed() const;
+    // A combo box's items.
+    QStringList items() const;
+    // Registers that the field's bits touch, in rising order.
+    QList<int> registers() const;
+
+    // The code as the widget holds it (a check box's state, not the bit of
+    // an inverted field); for a display field, what its bits show.
+    quint32 code() const;
+    // Sets the widget to a code as a user would, so that the field's rules
+    // run and guiImage takes it.
+    void setCode(quint32 code) const;
+    // What the screens show for the field, with its caption and unit, as a
+    // saved comment says it: "R-divider ratio:  13".
+    QString text() const;
+
+private:
+    mapshow* map = nullptr;
+    const part* field = nullptr;
+    Kind widgetKind = Kind::Label;
+};

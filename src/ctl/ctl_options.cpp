@@ -1,0 +1,212 @@
+// Parsing of the command line of zv4280ctl, and its help texts.
+#include "ctl_options.h"
+
+#include <QCommandLineParser>
+
+namespace {
+
+// What a command takes: its arguments (fewest, most; -1 for any number),
+// the options of its own, and its help.
+struct Command
+{
+    const char* name;
+    const char* synopsis;
+    const char* summary;
+    int fewest;
+    int most;
+    QStringList options;
+    const char* details;
+};
+
+const QList<Command>& commands()
+{
+    static const QList<Command> table = {
+        {"devices", "devices", "bridge boards on the bus", 0, 0, {},
+         "Lists the bridge boards (vendor 2976) by bus and device address, as --board takes them.\n"
+         "JSON: {\"devices\": [{\"bus\": 1, \"address\": 5, \"vendor\": \"2976\", \"product\": \"0003\"}]}\n"},
+        {"dump", "dump [--style single|block|auto]", "all registers as a grid, 16 a row", 0, 0, {"style"},
+         "Reads every register of the chip (0 to 290) and prints them as a grid of hexadecimal bytes,\n"
+         "16 a row, the row's first register at the left in hexadecimal. --style chooses how the chip\n"
+         "is read: one register at a time, in blocks of ten, or by autoincrement (the default).\n"
+         "JSON: {\"style\": \"auto\", \"registers\": [291 numbers, register 0 first]}\n"},
+        {"get", "get REGISTER", "one register", 1, 1, {},
+         "Reads one register (0 to 290) and prints its value, 0x5f.\n"
+         "JSON: {\"register\": 12, \"name\": \"CLK_OUT\", \"value\": 95}\n"},
+        {"set", "set REGISTER VALUE", "write one register, read it back", 2, 2, {},
+         "Writes one register (0 to 290) with a byte (0 to 255) and reads it back; exit status 3 when\n"
+         "the register then holds another value (the chip keeps some bits of its own).\n"
+         "JSON: {\"register\": 12, \"name\": \"CLK_OUT\", \"written\": 95, \"value\": 95}\n"},
+        {"field", "field NAME... | field NAME=CODE...", "read fields, or change them on the chip", 1, -1, {},
+         "With names: reads the chip and prints each field's code and what the screens show for it.\n"
+         "With NAME=CODE: reads the chip, sets each field's widget to its code as a user would (the\n"
+         "rules run), writes the registers that changed, reads the chip back and checks every field;\n"
+         "exit status 3 when a field reads back another code. A code is the widget's: 0 or 1 for a\n"
+         "check box, the item's index for a combo box, the number for a spin box. Fields that only\n"
+         "display are refused. Names may carry the chip word (ChA_PLL_RDiv_ZV4280v2) or not.\n"
+         "JSON: {\"fields\": [{\"name\": \"ChA_PLL_RDiv\", \"code\": 13, \"text\": \"R-divider ratio:  13\",\n"
+         "       \"location\": \"Reg21 <D4-D0>\"}], \"written\": [21]}  (\"written\" only with NAME=CODE)\n"},
+        {"fields", "fields [NAME...]", "every field: registers and bits, kind, codes", 0, -1, {},
+         "Lists every field of the chip, or the fields named: its registers and bits, its kind\n"
+         "(check box, combo box, spin box; label and line edit only display), and the codes it\n"
+         "takes. Needs no board.\n"
+         "JSON: {\"fields\": [{\"name\": \"TS_MD\", \"location\": \"Reg9 <D1>\", \"registers\": [9], \"width\": 1,\n"
+         "       \"kind\": \"combobox\", \"editable\": true, \"inverted\": false, \"min\": 0, \"max\": 1,\n"
+         "       \"items\": [\"single\", \"continuous\"]}]}  (\"items\" for combo boxes only; kind is one of\n"
+         "       checkbox, combobox, spinbox, label, lineedit)\n"},
+        {"load", "load FILE [--pause MS]", "file to chip", 1, 1, {"pause"},
+         "Sends the registers of a .hex file to the chip in file order, each section (what follows a\n"
+         "map line) as one block after a pause (--pause, default 200 ms). The file is checked first:\n"
+         "a missing or unreadable file, a map name that is not ZV4280, a register beyond 290 or a\n"
+         "file without any register line is refused and nothing reaches the chip.\n"
+         "JSON: {\"file\": \"settings.hex\", \"registers\": 107}\n"},
+        {"save", "save FILE [--comments] [--changes-only [--base FILE]]", "chip to file, as F6 saves", 1, 1,
+         {"comments", "changes-only", "base"},
+         "Reads the chip into the forms and saves them as F6 of zv4280tb does (registers 0 to 106).\n"
+         "--comments adds each register's fields in the words of the screens. --changes-only saves\n"
+         "only the registers where the chip differs from a base file: --base, by default \"default.hex\"\n"
+         "in the current folder, the file zv4280tb starts with.\n"
+         "JSON: {\"file\": \"out.hex\", \"comments\": true, \"changesOnly\": false}, and \"base\" with\n"
+         "      --changes-only\n"},
+        {"help", "help [COMMAND]", "this help, or a command's", 0, 1, {}, ""},
+    };
+    return table;
+}
+
+const Command* find(const QString& name)
+{
+    for (const Command& c : commands())
+        if (name == QLatin1String(c.name))
+            return &c;
+    return nullptr;
+}
+
+} // namespace
+
+bool CtlOptions::parse(const QStringList& programArguments, QString* error)
+{
+    QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    const QCommandLineOption jsonOption(QStringLiteral("json"));
+    const QCommandLineOption boardOption(QStringLiteral("board"), QString(), QStringLiteral("BUS:ADDRESS"));
+    const QCommandLineOption helpOption(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption styleOption(QStringLiteral("style"), QString(), QStringLiteral("STYLE"));
+    const QCommandLineOption commentsOption(QStringLiteral("comments"));
+    const QCommandLineOption changesOption(QStringLiteral("changes-only"));
+    const QCommandLineOption baseOption(QStringLiteral("base"), QString(), QStringLiteral("FILE"));
+    const QCommandLineOption pauseOption(QStringLiteral("pause"), QString(), QStringLiteral("MS"));
+    parser.addOptions({jsonOption, boardOption, helpOption, styleOption, commentsOption, changesOption,
+                       baseOption, pauseOption});
+    if (!parser.parse(programArguments)) {
+        *error = parser.errorText();
+        return false;
+    }
+
+    arguments = parser.positionalArguments();
+    json = parser.isSet(jsonOption);
+    help = parser.isSet(helpOption);
+    board = parser.value(boardOption);
+    style = parser.value(styleOption);
+    comments = parser.isSet(commentsOption);
+    changesOnly = parser.isSet(changesOption);
+    base = parser.value(baseOption);
+    pause = parser.value(pauseOption);
+    if (arguments.isEmpty()) {
+        if (help)
+            return true;
+        *error = QStringLiteral("no command given (zv4280ctl --help lists them)");
+        return false;
+    }
+    command = arguments.takeFirst();
+    const Command* c = find(command);
+    if (!c) {
+        *error = QStringLiteral("unknown command \"%1\" (zv4280ctl --help lists them)").arg(command);
+        return false;
+    }
+    if (command == QLatin1String("help")) {
+        help = true;
+        command = arguments.value(0);
+        if (!command.isEmpty() && !find(command)) {
+            *error = QStringLiteral("unknown command \"%1\" (zv4280ctl --help lists them)").arg(command);
+            return false;
+        }
+        arguments.clear();
+        return true;
+    }
+    if (help)
+        return true;
+
+    for (const QString& name : parser.optionNames()) {
+        const QString longName = name == QLatin1String("h") ? QStringLiteral("help") : name;
+        if (longName == QLatin1String("json") || longName == QLatin1String("board"))
+            continue;
+        if (!c->options.contains(longName)) {
+            *error = QStringLiteral("%1 takes no option --%2 (usage: zv4280ctl %3)").arg(command, longName, QLatin1String(c->synopsis));
+            return false;
+        }
+    }
+    if (arguments.size() < c->fewest || (c->most >= 0 && arguments.size() > c->most)) {
+        *error = QStringLiteral("usage: zv4280ctl %1").arg(QLatin1String(c->synopsis));
+        return false;
+    }
+    if (!base.isEmpty() && !changesOnly) {
+        *error = QStringLiteral("--base goes with --changes-only");
+        return false;
+    }
+    return true;
+}
+
+QString CtlOptions::programHelp()
+{
+    QString text = QStringLiteral(
+        "Usage: zv4280ctl [--json] [--board BUS:ADDRESS] COMMAND [ARGUMENTS]\n"
+        "\n"
+        "The ZV4280 bench tool's engine from the command line: the fields, rules, worker commands\n"
+        "and .hex files of zv4280tb, with no display.\n"
+        "\n"
+        "Commands:\n");
+    for (const Command& c : commands())
+        text += QStringLiteral("  %1\n      %2\n").arg(QLatin1String(c.synopsis), QLatin1String(c.summary));
+    text += QStringLiteral(
+        "\n"
+        "Options:\n"
+        "  --json               one JSON document on stdout: {\"command\": ..., \"ok\": true, ...}, or on\n"
+        "                       failure {\"command\": ..., \"ok\": false, \"exit\": N, \"error\": \"...\"};\n"
+        "                       zv4280ctl help COMMAND shows each command's members\n"
+        "  --board BUS:ADDRESS  the board at this bus and device address, decimal as lsusb shows\n"
+        "                       them (zv4280ctl devices); by default the only board on the bus\n"
+        "  -h, --help           this help; zv4280ctl COMMAND --help for a command\n"
+        "\n"
+        "Registers are 0 to 290. Numbers are decimal, or hexadecimal behind 0x.\n"
+        "\n"
+        "Exit status:\n"
+        "  0  done\n"
+        "  1  the board failed or is absent\n"
+        "  2  bad usage or bad input; nothing was written to the chip\n"
+        "  3  the read-back differs from what was written\n"
+        "\n"
+        "See zv4280ctl(1).\n");
+    return text;
+}
+
+QString CtlOptions::commandHelp(const QString& command)
+{
+    const Command* c = find(command);
+    if (!c)
+        return QString();
+    return QStringLiteral("Usage: zv4280ctl [--json] [--board BUS:ADDRESS] %1\n\n%2")
+        .arg(QLatin1String(c->synopsis), QLatin1String(c->details));
+}
+
+bool CtlOptions::number(const QString& text, qint64* value)
+{
+    bool ok = false;
+    qint64 v = 0;
+    if (text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
+        v = text.midRef(2).toLongLong(&ok, 16);
+    else if (!text.isEmpty() && text.at(0).isDigit())
+        v = text.toLongLong(&ok, 10);
+    if (!ok || v < 0)
+        return false;
+    *value = v;
+    return true;
+}

@@ -1,0 +1,32 @@
+// The command line of zv4280ctl: global options, the command and its
+// arguments and options, and the help texts that describe them.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class CtlOptions
+{
+public:
+    QString command;        // "dump", "field", ...; empty when none was given
+    QStringList arguments;  // the command's arguments
+    bool json = false;      // --json
+    QString board;          // --board BUS:ADDRESS, as given
+    bool help = false;      // --help, or the command "help"
+    QString style;          // dump --style single|block|auto
+    bool comments = false;  // save --comments
+    bool changesOnly = false; // save --changes-only
+    QString base;           // save --base FILE
+    QString pause;          // load --pause MS, as given
+
+    // Reads the arguments of the program (the program's name first); false
+    // with a message on bad usage.
+    bool parse(const QStringList& programArguments, QString* error);
+
+    // The program's help, and a command's; empty for an unknown command.
+    static QString programHelp();
+    static QString commandHelp(const QString& command);
+
+    // A number as the commands take it: decimal, or hexadecimal behind "0x".
+    static bool number(const QString& text, qint64* value);
+};

@@ -1,0 +1,90 @@
+// The run of zv4280ctl: options, help, board choice and the commands.
+#include "ctl_program.h"
+
+#include "ctl_board.h"
+#include "ctl_options.h"
+#include "ctl_output.h"
+#include "ctl_session.h"
+#include "field_commands.h"
+#include "file_commands.h"
+#include "register_commands.h"
+
+#include <QtGlobal>
+
+namespace {
+
+QtMessageHandler qtHandler = nullptr;
+
+// Qt looks for the session's runtime folder while it starts and complains
+// when there is none, as on a bench machine without a login session; a
+// program that shows nothing has no use for the folder, and the complaint
+// would only stand in the way of the tool's own messages.
+void messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (type == QtWarningMsg && text.startsWith(QLatin1String("QStandardPaths: ")))
+        return;
+    qtHandler(type, context, text);
+}
+
+} // namespace
+
+void CtlProgram::prepareEnvironment()
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The GLib event loop wakes itself with a write for every event posted,
+    // thousands while the forms are built; the plain one writes once until
+    // it runs. Nothing here needs GLib's.
+    if (!qEnvironmentVariableIsSet("QT_NO_GLIB"))
+        qputenv("QT_NO_GLIB", "1");
+    qtHandler = qInstallMessageHandler(messageHandler);
+}
+
+int CtlProgram::run(const QStringList& programArguments)
+{
+    CtlOptions options;
+    QString error;
+    const bool parsed = options.parse(programArguments, &error);
+    CtlOutput out(options.command, options.json);
+    if (!parsed)
+        return out.fail(CtlExit::Usage, error);
+    if (options.help) {
+        CtlOutput::print(options.command.isEmpty() ? CtlOptions::programHelp()
+                                                   : CtlOptions::commandHelp(options.command));
+        return int(CtlExit::Done);
+    }
+
+    const QString& command = options.command;
+    const QStringList& args = options.arguments;
+    if (command == QLatin1String("devices"))
+        return CtlBoard::listCommand(out);
+    if (command == QLatin1String("fields")) { // the forms alone, no board
+        CtlSession session{QString()};
+        return FieldCommands(session, out).list(args);
+    }
+
+    QString key;
+    if (!options.board.isEmpty()) {
+        bool usage = false;
+        key = CtlBoard::choose(options.board, &error, &usage);
+        if (key.isEmpty())
+            return out.fail(usage ? CtlExit::Usage : CtlExit::Board, error);
+    }
+    CtlSession session(key);
+    RegisterCommands registers(session, out);
+    FieldCommands fields(session, out);
+    FileCommands files(session, out);
+    if (command == QLatin1String("dump"))
+        return registers.dump(options.style);
+    if (command == QLatin1String("get"))
+        return registers.get(args.at(0));
+    if (command == QLatin1String("set"))
+        return registers.set(args.at(0), args.at(1));
+    if (command == QLatin1String("field"))
+        return fields.field(args);
+    if (command == QLatin1String("load"))
+        return files.load(args.at(0), options.pause);
+    if (command == QLatin1String("save"))
+        return files.save(args.at(0), options.comments, options.changesOnly, options.base);
+    return out.fail(CtlExit::Usage, QStringLiteral("unknown command \"%1\"").arg(command));
+}

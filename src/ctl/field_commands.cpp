@@ -1,0 +1,180 @@
+// field and fields of zv4280ctl.
+#include "field_commands.h"
+
+#include "ctl_board.h"
+#include "ctl_field.h"
+#include "ctl_options.h"
+#include "ctl_output.h"
+#include "ctl_session.h"
+#include "mapshow.h"
+#include "part.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+FieldCommands::FieldCommands(CtlSession& s, CtlOutput& o) : session(s), out(o) {}
+
+int FieldCommands::boardFailure(const QString& what)
+{
+    const QString why = CtlBoard::absence(session.boardChosen());
+    return out.fail(CtlExit::Board, why.isEmpty() ? what : what + QStringLiteral(": ") + why);
+}
+
+bool FieldCommands::resolve(const QStringList& names, QList<CtlField>* fields, int* status)
+{
+    for (const QString& name : names) {
+        const CtlField f(session.map(), name);
+        if (!f.valid()) {
+            *status = out.fail(CtlExit::Usage,
+                               QStringLiteral("no field \"%1\" (zv4280ctl fields lists them)").arg(name));
+            return false;
+        }
+        fields->append(f);
+    }
+    return true;
+}
+
+int FieldCommands::field(const QStringList& arguments)
+{
+    int assignments = 0;
+    for (const QString& a : arguments)
+        assignments += a.contains(QLatin1Char('=')) ? 1 : 0;
+    if (assignments == 0)
+        return read(arguments);
+    if (assignments == arguments.size())
+        return write(arguments);
+    return out.fail(CtlExit::Usage, QStringLiteral("give either names to read or NAME=CODE to change, not both"));
+}
+
+int FieldCommands::read(const QStringList& names)
+{
+    QList<CtlField> fields;
+    int status = 0;
+    if (!resolve(names, &fields, &status))
+        return status;
+    const QString failure = session.run(1);
+    if (!failure.isEmpty())
+        return boardFailure(failure);
+    report(fields, {});
+    return out.done();
+}
+
+// Everything is checked before the chip is touched; then the chip is read,
+// the widgets set, the changed registers written and the chip read back.
+int FieldCommands::write(const QStringList& assignments)
+{
+    QList<CtlField> fields;
+    QList<quint32> codes;
+    for (const QString& a : assignments) {
+        const int eq = a.indexOf(QLatin1Char('='));
+        const QString name = a.left(eq), codeText = a.mid(eq + 1);
+        int status = 0;
+        if (!resolve({name}, &fields, &status))
+            return status;
+        const CtlField& f = fields.last();
+        if (!f.editable())
+            return out.fail(CtlExit::Usage, QStringLiteral("%1 is a %2 that only displays what the chip holds; "
+                                                           "check boxes, combo boxes and spin boxes can be set")
+                                                .arg(f.name(), f.kindWords()));
+        for (int i = 0; i + 1 < fields.size(); ++i)
+            if (&fields.at(i).record() == &f.record())
+                return out.fail(CtlExit::Usage, QStringLiteral("%1 is given twice").arg(f.name()));
+        qint64 code = -1;
+        if (!CtlOptions::number(codeText, &code) || code < f.lowest() || code > f.highest())
+            return out.fail(CtlExit::Usage, QStringLiteral("%1 (%2) takes %3, not \"%4\"")
+                                                .arg(f.name(), f.kindWords(), f.allowed(), codeText));
+        codes.append(quint32(code));
+    }
+
+    session.setSetting("ChangesOnly", 1);
+    session.setSetting("InteractiveRefresh", 1);
+    session.setSetting("writePause", 0);
+    QString failure = session.run(1);
+    if (!failure.isEmpty())
+        return boardFailure(failure);
+    for (int i = 0; i < fields.size(); ++i)
+        fields.at(i).setCode(codes.at(i));
+
+    const mapshow& map = session.map();
+    QJsonArray written;
+    for (quint32 r = 0; r < map.registerCount; ++r)
+        if (map.guiImage[r] != map.icImage[r])
+            written.append(int(r));
+    out.set(QStringLiteral("written"), written);
+    failure = session.run(2);
+    if (!failure.isEmpty())
+        return boardFailure(failure);
+
+    report(fields, codes);
+    QStringList differing;
+    for (int i = 0; i < fields.size(); ++i)
+        if (fields.at(i).code() != codes.at(i))
+            differing.append(QStringLiteral("%1 reads back %2 after %3 was written")
+                                 .arg(fields.at(i).name())
+                                 .arg(fields.at(i).code())
+                                 .arg(codes.at(i)));
+    if (!differing.isEmpty())
+        return out.fail(CtlExit::Differs, differing.join(QStringLiteral("; ")));
+    return out.done();
+}
+
+// "NAME=CODE<tab>what the screens show", one line a field, which a later
+// "field NAME=CODE" takes back.
+void FieldCommands::report(const QList<CtlField>& fields, const QList<quint32>& asked)
+{
+    QJsonArray list;
+    for (int i = 0; i < fields.size(); ++i) {
+        const CtlField& f = fields.at(i);
+        const QString text = f.text();
+        out.line(QStringLiteral("%1=%2\t%3").arg(f.name()).arg(f.code()).arg(text));
+        QJsonObject entry{{QStringLiteral("name"), f.name()},
+                          {QStringLiteral("code"), qint64(f.code())},
+                          {QStringLiteral("text"), text},
+                          {QStringLiteral("location"), buildToolTip(f.record())}};
+        if (i < asked.size())
+            entry.insert(QStringLiteral("asked"), qint64(asked.at(i)));
+        list.append(entry);
+    }
+    out.set(QStringLiteral("fields"), list);
+}
+
+int FieldCommands::list(const QStringList& names)
+{
+    QList<CtlField> fields;
+    if (names.isEmpty()) {
+        for (const part* p : qAsConst(session.map().parts))
+            fields.append(CtlField(session.map(), *p));
+    } else {
+        int status = 0;
+        if (!resolve(names, &fields, &status))
+            return status;
+    }
+
+    QJsonArray list;
+    for (const CtlField& f : qAsConst(fields)) {
+        const QString location = buildToolTip(f.record());
+        const QStringList items = f.items();
+        QString codes = f.editable() ? f.allowed() : QStringLiteral("displays only");
+        if (f.record().inverted)
+            codes += QStringLiteral(" (inverted in the register)");
+        out.line(QStringLiteral("%1\t%2\t%3\t%4").arg(f.name(), location, f.kindWords(), codes));
+
+        QJsonArray registers;
+        for (int r : f.registers())
+            registers.append(r);
+        QJsonObject entry{{QStringLiteral("name"), f.name()},
+                          {QStringLiteral("location"), location},
+                          {QStringLiteral("registers"), registers},
+                          {QStringLiteral("width"), f.record().width},
+                          {QStringLiteral("kind"), f.kindKey()},
+                          {QStringLiteral("editable"), f.editable()},
+                          {QStringLiteral("inverted"), f.record().inverted},
+                          {QStringLiteral("min"), qint64(f.lowest())},
+                          {QStringLiteral("max"), qint64(f.highest())}};
+        if (f.kind() == CtlField::Kind::ComboBox)
+            entry.insert(QStringLiteral("items"), QJsonArray::fromStringList(items));
+        list.append(entry);
+    }
+    out.set(QStringLiteral("fields"), list);
+    return out.done();
+}

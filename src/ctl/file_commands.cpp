@@ -1,0 +1,119 @@
+// load and save of zv4280ctl.
+#include "file_commands.h"
+
+#include "MainClass.h"
+#include "ctl_board.h"
+#include "ctl_options.h"
+#include "ctl_output.h"
+#include "ctl_session.h"
+#include "hex_format.h"
+#include "hex_reader.h"
+#include "mapshow.h"
+
+#include <cstring>
+
+FileCommands::FileCommands(CtlSession& s, CtlOutput& o) : session(s), out(o) {}
+
+int FileCommands::boardFailure(const QString& what)
+{
+    const QString why = CtlBoard::absence(session.boardChosen());
+    return out.fail(CtlExit::Board, why.isEmpty() ? what : what + QStringLiteral(": ") + why);
+}
+
+// A load takes what a save writes: every map line names the chip (";ZV4280",
+// ";ZV4280v2", ";ZV4280.2", read as a load into the forms reads them), every
+// register is one of the chip's, and one register line at least is there.
+int FileCommands::checkLoad(const QString& file, int* status)
+{
+    QStringList lines;
+    if (!HexReader::readLines(file, &lines)) {
+        *status = out.fail(CtlExit::Usage, QStringLiteral("cannot read \"%1\"").arg(file));
+        return -1;
+    }
+    const mapshow& map = session.map();
+    int registers = 0;
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString& line = lines.at(i);
+        const QString where = QStringLiteral("%1, line %2: ").arg(file).arg(i + 1);
+        switch (HexFormat::classify(line)) {
+        case HexFormat::LineKind::Map: {
+            const QString name = HexFormat::loadedMapName(line);
+            if (!session.window().maps.contains(name)) {
+                *status = out.fail(CtlExit::Usage, where + QStringLiteral("the map \"%1\" is not this chip's; a saved file names it \"%2\"")
+                                                               .arg(HexFormat::mapName(line), HexFormat::mapLine(map.chipName)));
+                return -1;
+            }
+            break;
+        }
+        case HexFormat::LineKind::Register:
+            if (const auto reg = HexFormat::readRegister(line)) {
+                if (reg->number >= qint32(map.registerCount)) {
+                    *status = out.fail(CtlExit::Usage, where + QStringLiteral("no register %1: registers are 0 to %2")
+                                                                   .arg(reg->number)
+                                                                   .arg(map.registerCount - 1));
+                    return -1;
+                }
+                ++registers;
+            }
+            break;
+        case HexFormat::LineKind::Other:
+            break;
+        }
+    }
+    if (registers == 0) {
+        *status = out.fail(CtlExit::Usage, QStringLiteral("\"%1\" holds no register line").arg(file));
+        return -1;
+    }
+    return registers;
+}
+
+int FileCommands::load(const QString& file, const QString& pause)
+{
+    qint64 pauseMs = -1;
+    if (!pause.isEmpty() && (!CtlOptions::number(pause, &pauseMs) || pauseMs > 999999))
+        return out.fail(CtlExit::Usage, QStringLiteral("--pause takes milliseconds, 0 to 999999; not \"%1\"").arg(pause));
+    int status = 0;
+    const int registers = checkLoad(file, &status);
+    if (registers < 0)
+        return status;
+
+    // The map names are checked above, in the way that lets a saved file in.
+    session.setSetting("ConfigCheck", 0);
+    if (pauseMs >= 0)
+        session.setSetting("writePause", int(pauseMs));
+    const QString failure = session.run(3, file, false);
+    if (!failure.isEmpty())
+        return boardFailure(failure);
+    out.set(QStringLiteral("file"), file);
+    out.set(QStringLiteral("registers"), registers);
+    return out.done();
+}
+
+int FileCommands::save(const QString& file, bool comments, bool changesOnly, const QString& base)
+{
+    const QString baseFile = base.isEmpty() ? QStringLiteral("default.hex") : base;
+    session.setSetting("HexComment", comments ? 1 : 0);
+    session.setSetting("ChangesOnly", changesOnly ? 1 : 0);
+    session.setSetting("MergeFile", 0);
+    if (changesOnly) {
+        // The base file goes into cfgImage as a load into the forms reads it.
+        const QString failure = session.run(5, baseFile, false);
+        if (!failure.isEmpty())
+            return out.fail(CtlExit::Usage, QStringLiteral("base file \"%1\": %2").arg(baseFile, failure));
+    }
+    QString failure = session.run(1);
+    if (!failure.isEmpty())
+        return boardFailure(failure);
+    mapshow& map = session.map();
+    if (changesOnly) // what the chip gave is compared with the base
+        std::memcpy(map.icImage, map.cfgImage, map.registerCount);
+    failure = session.run(6, file, false);
+    if (!failure.isEmpty())
+        return out.fail(CtlExit::Usage, QStringLiteral("cannot write \"%1\": %2").arg(file, failure));
+    out.set(QStringLiteral("file"), file);
+    out.set(QStringLiteral("comments"), comments);
+    out.set(QStringLiteral("changesOnly"), changesOnly);
+    if (changesOnly)
+        out.set(QStringLiteral("base"), baseFile);
+    return out.done();
+}

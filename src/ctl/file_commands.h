@@ -1,0 +1,29 @@
+// The file commands of zv4280ctl: a .hex file to the chip, and the chip to
+// a .hex file as F6 of the GUI saves it.
+#pragma once
+
+#include <QString>
+
+class CtlOutput;
+class CtlSession;
+
+class FileCommands
+{
+public:
+    FileCommands(CtlSession& session, CtlOutput& out);
+
+    // "load FILE [--pause MS]": the file checked, then the worker's file to
+    // chip (command 3).
+    int load(const QString& file, const QString& pause);
+    // "save FILE [--comments] [--changes-only [--base FILE]]": the chip read
+    // into the forms (command 1), then the worker's GUI to file (command 6).
+    int save(const QString& file, bool comments, bool changesOnly, const QString& base);
+
+private:
+    // The register lines of a file that a load may send; -1 after a refusal.
+    int checkLoad(const QString& file, int* status);
+    int boardFailure(const QString& what);
+
+    CtlSession& session;
+    CtlOutput& out;
+};

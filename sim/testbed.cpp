@@ -57,7 +57,7 @@ struct Board
     bool driverBound = false;
     bool refuseClaim = false;
     int unplugAfter = -1;
-    bool stallNext = false;
+    int stallAt = -1; // the number of the transfer that stalls
     int shortNext = -1;
     std::optional<TransferFault> fault;
     int opens = 0;
@@ -268,8 +268,8 @@ void Testbed::Private::submit(Board* b, UMockdevIoctlClient* client, UMockdevIoc
     std::optional<TransferFault> fault;
     if (b->fault && b->fault->out == out && b->fault->skip-- == 0)
         fault.swap(b->fault);
-    if (b->stallNext) {
-        b->stallNext = false;
+    if (b->transfers - 1 == b->stallAt) {
+        b->stallAt = -1;
         fault = TransferFault{TransferFault::Stall, out};
     }
     if (!out && b->shortNext >= 0) {
@@ -422,10 +422,11 @@ void Testbed::unplugAfter(int board, int transfers)
     b->unplugAfter = b->transfers + transfers;
 }
 
-void Testbed::stallNext(int board)
+void Testbed::stallNext(int board, int after)
 {
     std::lock_guard<std::mutex> guard(d->mutex);
-    d->boards.at(size_t(board))->stallNext = true;
+    Board* b = d->boards.at(size_t(board)).get();
+    b->stallAt = b->transfers + after;
 }
 
 void Testbed::shortNext(int board, int bytes)

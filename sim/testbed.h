@@ -63,7 +63,9 @@ public:
 
     // Faults, each for the given board.
     void unplugAfter(int board, int transfers); // later transfers fail: no device
-    void stallNext(int board);                  // the next transfer stalls
+    // The next transfer stalls; with `after`, the one after that many more,
+    // in either direction.
+    void stallNext(int board, int after = 0);
     void shortNext(int board, int bytes);       // the next IN transfer moves only this many bytes
     void failTransfer(int board, const TransferFault& fault);
     void refuseClaim(int board, bool refuse);

@@ -52,11 +52,8 @@ class tst_filecommands : public QObject
         clerk worker(command, file, main->service, main->maps);
         if (command == 6)
             worker.save = GuiSave::take(*map, main->service->settings);
-        QSignalSpy end(&worker, &clerk::error_mess);
-        worker.start();
-        if (!end.wait(10000) || !worker.wait(5000) || end.count() != 1)
-            return "<no single end message>";
-        return end.at(0).at(0).toString();
+        const QStringList ends = runToEnd(&worker);
+        return ends.size() == 1 ? ends.first() : QStringLiteral("<no single end message>");
     }
     // Answers the next file dialog with a path, as a user types it.
     void answerDialog(const QString& answer)

@@ -216,28 +216,19 @@ private slots:
         QTemporaryDir dir;
         clerk worker(command, command == 5 ? QStringLiteral("default.hex") : dir.filePath("x.hex"), main->service,
                      main->maps);
-        QSignalSpy end(&worker, &clerk::error_mess);
-        worker.start();
-        QVERIFY(end.wait(10000));
-        QVERIFY(worker.wait(5000));
-        QCOMPARE(end.count(), 1);
-        QCOMPARE(end.at(0).at(0).toString() == "Incorrect chip", refused);
+        const QStringList ends = runToEnd(&worker);
+        QCOMPARE(ends.size(), 1);
+        QCOMPARE(ends.first() == "Incorrect chip", refused);
     }
 
     void endWithoutMaps()
     {
         clerk worker(1, QString(), main->service, {});
-        QSignalSpy end(&worker, &clerk::error_mess);
-        worker.start();
-        QVERIFY(end.wait(5000) && worker.wait(5000));
-        QCOMPARE(end.at(0).at(0).toString(), QStringLiteral("Regmap not defined"));
+        QCOMPARE(runToEnd(&worker), QStringList({"Regmap not defined"}));
         QVERIFY(bus->wireLog().isEmpty());
         for (int command : {0, 9}) {
             clerk odd(command, QString(), main->service, main->maps);
-            QSignalSpy oddEnd(&odd, &clerk::error_mess);
-            odd.start();
-            QVERIFY(oddEnd.wait(5000) && odd.wait(5000));
-            QCOMPARE(oddEnd.at(0).at(0).toString(), QStringLiteral("Unexpected error"));
+            QCOMPARE(runToEnd(&odd), QStringList({"Unexpected error"}));
         }
     }
 

@@ -1,6 +1,7 @@
 #include "testsupport.h"
 
 #include "MainClass.h"
+#include "clerk.h"
 #include "resources_init.h"
 
 #include <QApplication>
@@ -29,4 +30,16 @@ void zvTestInit()
 bool waitIdle(MainClass* window, int timeoutMs)
 {
     return QTest::qWaitFor([window] { return !window->worker; }, timeoutMs);
+}
+
+QStringList runToEnd(clerk* worker, int timeoutMs)
+{
+    QStringList ends;
+    QObject receiver;
+    QObject::connect(worker, &clerk::error_mess, &receiver, [&ends](const QString& m) { ends << m; });
+    worker->start();
+    if (!QTest::qWaitFor([&] { return worker->isFinished() && !ends.isEmpty(); }, timeoutMs))
+        return ends << QStringLiteral("<still running>");
+    QTest::qWait(5); // a second message would be here by now
+    return ends;
 }

@@ -22,6 +22,12 @@ private:
 };
 
 class MainClass;
+class clerk;
+
+// Runs a worker to its end, its messages arriving on this thread as the main
+// window receives them, and gives its end messages: exactly one when all is
+// well.
+QStringList runToEnd(clerk* worker, int timeoutMs = 20000);
 
 // Lets the main window's running operation (the load of "default.hex" at
 // start, say) come to its end; false when it is still running after the

@@ -148,8 +148,9 @@ class Desk:
         if not os.environ.get("ZV_E2E_KEEP"):
             shutil.rmtree(self.tmp, ignore_errors=True)
 
-    def run(self, args, **kw):
-        return subprocess.run(args, env=self.env, check=True, stdout=subprocess.PIPE, text=True, **kw).stdout
+    def run(self, args, timeout=30, **kw):
+        return subprocess.run(args, env=self.env, check=True, stdout=subprocess.PIPE, text=True, timeout=timeout,
+                              **kw).stdout
 
     # -- windows and input ---------------------------------------------------
 

@@ -8,6 +8,7 @@ import argparse
 import os
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -25,6 +26,10 @@ AOK = "Reg2 <D4>"
 
 MAP_TITLE = "ZV4280(v2/v3)"
 PANEL_TITLE = "Service settings"
+
+
+class Stopped(BaseException):
+    pass
 
 
 class Bench:
@@ -447,9 +452,18 @@ def main():
         if getattr(args, name):
             setattr(args, name, os.path.abspath(getattr(args, name)))
     start = time.monotonic()
+
+    # A scenario that hangs, or is told to end, still takes its X server,
+    # buses and program down with it; ctest's own timeout would leave them
+    # running. Stopped is no Exception, so that no wait swallows it.
+    def stopped(number, _):
+        raise Stopped("the scenario took longer than 100 s" if number == signal.SIGALRM else "terminated")
+    signal.signal(signal.SIGALRM, stopped)
+    signal.signal(signal.SIGTERM, stopped)
+    signal.alarm(100)
     try:
         SCENARIOS[args.scenario](args)
-    except Failure as failure:
+    except (Failure, Stopped, subprocess.SubprocessError) as failure:
         print(f"e2e {args.scenario}: FAILED: {failure}")
         return 1
     print(f"e2e {args.scenario}: passed in {time.monotonic() - start:.1f} s")

@@ -1,0 +1,402 @@
+# A desk for the end-to-end tests: a virtual X server with an accessibility
+# bus, the real program on a simulated board, and the ways a person reads its
+# windows (texts over AT-SPI, screenshots) and drives them (keys and clicks).
+
+import ctypes
+import os
+import re
+import select
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+SCREEN = "1280x1024x24"
+TITLE = "ZV4280(v2/v3) TB 1.0.3"
+
+# What the program may write on its output: nothing; the launcher's answers
+# come the same way.
+LAUNCHER_LINE = re.compile(r"^zvsim-launch: ")
+
+
+class Failure(AssertionError):
+    pass
+
+
+def wait_for(what, condition, timeout=15.0, step=0.05):
+    """Polls condition() until it gives a true value, which is returned."""
+    end = time.monotonic() + timeout
+    last_error = None
+    while True:
+        try:
+            value = condition()
+            if value:
+                return value
+        except Exception as error:  # a widget that is going away, a file half there
+            last_error = error
+        if time.monotonic() > end:
+            detail = f" (last error: {last_error})" if last_error else ""
+            raise Failure(f"timed out after {timeout:.0f} s waiting for {what}{detail}")
+        time.sleep(step)
+
+
+def check(condition, message):
+    if not condition:
+        raise Failure(message)
+
+
+def read_hex(path):
+    """Register number -> value of a .hex file; comment lines are skipped."""
+    values = {}
+    with open(path, encoding="utf-8", errors="replace") as f:
+        for line in f:
+            m = re.match(r"\s*Reg(\d+)\s+([0-9A-Fa-f]+)", line)
+            if m:
+                values[int(m.group(1))] = int(m.group(2), 16) & 0xFF
+    return values
+
+
+def stop(proc, timeout=10):
+    """Ends a process started in a session of its own, with all that it
+    started in that session."""
+    for sig in (signal.SIGTERM, signal.SIGKILL):
+        if proc.poll() is not None:
+            return
+        try:
+            os.killpg(proc.pid, sig)
+            proc.wait(timeout)
+        except (ProcessLookupError, subprocess.TimeoutExpired):
+            pass
+
+
+class Desk:
+    """One virtual screen with a session bus and an accessibility bus.
+
+    The program's windows are found by title with xdotool, their widgets over
+    AT-SPI; input goes through the X server's test extension as a person's
+    keys and clicks would."""
+
+    def __init__(self):
+        self.tmp = tempfile.mkdtemp(prefix="zv-e2e-")
+        self.home = os.path.join(self.tmp, "home")
+        runtime = os.path.join(self.tmp, "run")
+        os.makedirs(self.home)
+        os.makedirs(runtime, mode=0o700)
+        self.procs = []
+        self.env = dict(os.environ)
+        for name in ("QT_QPA_PLATFORM", "QT_QPA_PLATFORMTHEME", "WAYLAND_DISPLAY", "SESSION_MANAGER"):
+            self.env.pop(name, None)
+        self.env.update(XDG_RUNTIME_DIR=runtime, HOME=self.home, XDG_CONFIG_HOME=os.path.join(self.home, ".config"),
+                        QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", LANG="C.UTF-8", LC_ALL="C.UTF-8")
+        try:
+            self._start_x()
+            self._start_buses()
+        except BaseException:
+            self.close()
+            raise
+        os.environ.update({k: self.env[k] for k in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR")})
+        # Imported once the buses are up: the library finds them at import.
+        import pyatspi
+        self.atspi = pyatspi
+
+    # -- set-up and tear-down ------------------------------------------------
+
+    def _start_x(self):
+        # -noreset: the server keeps its root window properties (the
+        # accessibility bus's address) when a short-lived client leaves.
+        read_end, write_end = os.pipe()
+        xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-noreset", "-nolisten", "tcp",
+                                 "-screen", "0", SCREEN], pass_fds=[write_end],
+                                stdout=subprocess.DEVNULL, stderr=open(os.path.join(self.tmp, "xvfb.log"), "w"),
+                                start_new_session=True)
+        os.close(write_end)
+        self.procs.append(xvfb)
+        # The server writes the number and then a newline; the pipe stays
+        # open until both have come, else the server dies on the second write.
+        number = b""
+        end = time.monotonic() + 20
+        while not number.endswith(b"\n") and time.monotonic() < end:
+            if select.select([read_end], [], [], 1)[0]:
+                chunk = os.read(read_end, 32)
+                if not chunk:
+                    break
+                number += chunk
+        os.close(read_end)
+        number = number.decode().strip()
+        check(number.isdigit(), "Xvfb did not start")
+        self.env["DISPLAY"] = ":" + number
+
+    def _start_buses(self):
+        bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address=1"], env=self.env,
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                               start_new_session=True)
+        self.procs.append(bus)
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
+        check(self.env["DBUS_SESSION_BUS_ADDRESS"], "no session bus")
+        # The accessibility bus starts on demand and puts its address on the
+        # root window, where Qt looks for it first.
+        self.run(["gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus",
+                  "--method", "org.a11y.Bus.GetAddress"])
+        wait_for("the accessibility bus's address on the root window", lambda: "unix:" in subprocess.run(
+            ["xprop", "-root", "AT_SPI_BUS"], env=self.env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+            text=True).stdout, timeout=10)
+
+    def close(self):
+        for proc in reversed(self.procs):
+            stop(proc)
+        if not os.environ.get("ZV_E2E_KEEP"):
+            shutil.rmtree(self.tmp, ignore_errors=True)
+
+    def run(self, args, timeout=30, **kw):
+        return subprocess.run(args, env=self.env, check=True, stdout=subprocess.PIPE, text=True, timeout=timeout,
+                              **kw).stdout
+
+    # -- windows and input ---------------------------------------------------
+
+    def windows(self, title):
+        """X window ids of the visible windows whose title matches (a regex)."""
+        out = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], env=self.env,
+                             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
+        return out.split()
+
+    def window(self, title, timeout=15.0):
+        return wait_for(f'a window titled "{title}"', lambda: self.windows(title), timeout)[0]
+
+    def focus(self, wid):
+        self.run(["xdotool", "windowraise", wid, "windowfocus", "--sync", wid])
+
+    def key(self, *keys, window=None):
+        if window:
+            self.focus(window)
+        self.run(["xdotool", "key", "--delay", "30", *keys])
+
+    def type(self, text):
+        self.run(["xdotool", "type", "--delay", "10", text])
+
+    def click(self, x, y, button=1):
+        self.run(["xdotool", "mousemove", str(x), str(y), "click", str(button)])
+
+    def close_window(self, wid):
+        """Asks a window to close, as a window manager's close button does
+        (WM_DELETE_WINDOW); there is no window manager on this screen."""
+        x11 = ctypes.cdll.LoadLibrary("libX11.so.6")
+        x11.XOpenDisplay.restype = ctypes.c_void_p
+        x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
+        x11.XInternAtom.restype = ctypes.c_ulong
+        x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
+        x11.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.c_void_p]
+        x11.XFlush.argtypes = [ctypes.c_void_p]
+        x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+
+        class ClientMessage(ctypes.Structure):
+            _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                        ("display", ctypes.c_void_p), ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
+                        ("format", ctypes.c_int), ("data", ctypes.c_long * 5), ("pad", ctypes.c_long * 12)]
+
+        display = x11.XOpenDisplay(self.env["DISPLAY"].encode())
+        check(display, "cannot open the display")
+        try:
+            event = ClientMessage(type=33, window=int(wid), format=32,  # ClientMessage
+                                  message_type=x11.XInternAtom(display, b"WM_PROTOCOLS", 0))
+            event.data[0] = x11.XInternAtom(display, b"WM_DELETE_WINDOW", 0)
+            x11.XSendEvent(display, int(wid), 0, 0, ctypes.byref(event))
+            x11.XFlush(display)
+        finally:
+            x11.XCloseDisplay(display)
+
+    def screenshot(self, path, wid=None):
+        self.run(["import", "-window", wid or "root", path])
+        return path
+
+    # -- widgets over AT-SPI -------------------------------------------------
+
+    def app(self, name, timeout=15.0):
+        def find():
+            desktop = self.atspi.Registry.getDesktop(0)
+            for i in range(desktop.childCount):
+                a = desktop.getChildAtIndex(i)
+                if a is not None and a.name == name:
+                    return a
+            return None
+        return wait_for(f"the application {name} on the accessibility bus", find, timeout)
+
+    def top(self, app, title, timeout=15.0):
+        """The accessible of a top-level window of app by its title."""
+        def find():
+            for i in range(app.childCount):
+                w = app.getChildAtIndex(i)
+                if w is not None and w.name == title and self.showing(w):
+                    return w
+            return None
+        return wait_for(f'the window "{title}" over AT-SPI', find, timeout)
+
+    def showing(self, acc):
+        return acc.getState().contains(self.atspi.STATE_SHOWING)
+
+    def find_all(self, root, match, showing_only=True):
+        found = []
+        stack = [root]
+        while stack:
+            acc = stack.pop()
+            if acc is None:
+                continue
+            if match(acc):
+                found.append(acc)
+            if showing_only and acc is not root and not self.showing(acc):
+                continue
+            # Tables and lists hold one accessible a cell or an item: read
+            # them through their own interfaces instead.
+            if acc is not root and acc.getRoleName() in ("table", "list", "tree table"):
+                continue
+            for i in range(acc.childCount - 1, -1, -1):
+                stack.append(acc.getChildAtIndex(i))
+        return found
+
+    def find(self, root, what, match, timeout=10.0):
+        """The one showing widget under root that match() accepts."""
+        def one():
+            hits = [a for a in self.find_all(root, match) if self.showing(a)]
+            if len(hits) > 1:
+                raise Failure(f"{len(hits)} widgets are {what}")
+            return hits[0] if hits else None
+        return wait_for(what, one, timeout)
+
+    def field(self, root, role, tooltip):
+        """A field's widget by its kind and its tooltip (the register location)."""
+        return self.find(root, f'the {role} of "{tooltip}"',
+                         lambda a: a.getRoleName() == role and a.description == tooltip)
+
+    def named(self, root, role, name):
+        return self.find(root, f'the {role} "{name}"', lambda a: a.getRoleName() == role and a.name == name)
+
+    @staticmethod
+    def text(acc):
+        try:
+            t = acc.queryText()
+            return t.getText(0, t.characterCount)
+        except NotImplementedError:
+            return acc.name
+
+    def checked(self, acc):
+        return acc.getState().contains(self.atspi.STATE_CHECKED)
+
+    def centre(self, acc):
+        box = acc.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
+        return box.x + box.width // 2, box.y + box.height // 2
+
+    def click_on(self, acc):
+        self.click(*self.centre(acc))
+
+    def colour(self, acc, left=0.0, right=1.0):
+        """The mean colour of a widget as it stands on the screen, over the
+        share of its width from left to right."""
+        box = acc.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
+        ppm = subprocess.run(["import", "-window", "root", "-depth", "8", "ppm:-"], env=self.env,
+                             stdout=subprocess.PIPE, check=True).stdout
+        # P6 header: magic, width, height, maximum, then the RGB bytes.
+        fields = re.match(rb"P6\s+(\d+)\s+(\d+)\s+(\d+)\s", ppm)
+        width = int(fields.group(1))
+        pixels = ppm[fields.end():]
+        x0, x1 = box.x + int(box.width * left), box.x + max(int(box.width * right), 1)
+        total = [0, 0, 0]
+        count = 0
+        for y in range(box.y, box.y + box.height):
+            for x in range(x0, x1):
+                at = 3 * (y * width + x)
+                for c in range(3):
+                    total[c] += pixels[at + c]
+                count += 1
+        return tuple(t // max(count, 1) for t in total)
+
+
+def colour_name(rgb):
+    """A colour as a person would call it, with a wide tolerance."""
+    r, g, b = rgb
+    if r > 230 and g > 230 and b > 230:
+        return "white"
+    if max(r, g, b) - min(r, g, b) < 25:
+        return "grey"
+    if b > 180 and g > 130 and r < 90:
+        return "blue"
+    if g > r + 40 and g > b + 40:
+        return "green"
+    if r > g + 60 and r > b + 60:
+        return "red"
+    return f"rgb{rgb}"
+
+
+class Program:
+    """The program on a simulated board, started by the launcher in a working
+    folder with the launcher's control pipe beside it."""
+
+    def __init__(self, desk, command, workdir):
+        """command: the launcher and what it starts."""
+        self.desk = desk
+        self.workdir = workdir
+        self.log = os.path.join(desk.tmp, "output.log")
+        self.control = os.path.join(desk.tmp, "board.ctl")
+        args = [command[0], "--control", self.control, *command[1:]]
+        with open(self.log, "w") as log:
+            self.proc = subprocess.Popen(args, cwd=workdir, env=desk.env, stdin=subprocess.DEVNULL,
+                                         stdout=log, stderr=subprocess.STDOUT, start_new_session=True)
+        desk.procs.append(self.proc)
+        self.main = desk.window("^" + re.escape(TITLE))
+        self.app = desk.app("zv4280tb")
+        self.frame = desk.top(self.app, TITLE)
+        wait_for("the launcher's control pipe", lambda: os.path.exists(self.control))
+
+    # -- the simulated board -------------------------------------------------
+
+    def board(self, command, answer):
+        """Sends a command to the launcher and waits for its answer."""
+        seen = self.output().count("zvsim-launch: " + answer)
+        with open(self.control, "w") as pipe:
+            pipe.write(command + "\n")
+        wait_for(f'the launcher to answer "{answer}"', lambda: self.output().count("zvsim-launch: " + answer) > seen)
+
+    def chip(self):
+        """The registers the simulated chip holds now."""
+        path = os.path.join(self.desk.tmp, "chip.hex")
+        if os.path.exists(path):
+            os.remove(path)
+        self.board("dump " + path, "dumped the registers")
+        return read_hex(path)
+
+    # -- what the program says -----------------------------------------------
+
+    def output(self):
+        with open(self.log, encoding="utf-8", errors="replace") as f:
+            return f.read()
+
+    def warnings(self):
+        """Lines on stdout and stderr that did not come from the launcher:
+        Qt's warnings ("QObject::connect: ...", "QWidget::...", "QLayout:
+        ...") among them."""
+        return [line for line in self.output().splitlines() if line.strip() and not LAUNCHER_LINE.match(line)]
+
+    def check_quiet(self):
+        lines = self.warnings()
+        check(not lines, "the program wrote on its output:\n  " + "\n  ".join(lines[:20]))
+
+    def idle(self, timeout=30.0):
+        """Waits for the end of the running operation: the progress bar has
+        gone from the toolbar."""
+        wait_for("the end of the operation",
+                 lambda: not self.desk.find_all(self.frame, lambda a: a.getRoleName() == "progress bar"
+                                                and self.desk.showing(a)), timeout)
+
+    def message(self, timeout=15.0):
+        """The text of the message box that the program shows."""
+        def box():
+            for i in range(self.app.childCount):
+                w = self.app.getChildAtIndex(i)
+                if w is not None and w.getRoleName() in ("alert", "dialog") and self.desk.showing(w):
+                    labels = self.desk.find_all(w, lambda a: a.getRoleName() == "label" and a.name)
+                    if labels:
+                        return w, labels[0].name
+            return None
+        return wait_for("a message box", box, timeout)
+
+    def stop(self):
+        stop(self.proc)

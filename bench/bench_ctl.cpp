@@ -4,6 +4,7 @@
 // over repeated runs; the board is served by this program's testbed thread,
 // as the launcher serves it.
 
+#include "bench_support.h"
 #include "testbed.h"
 
 #include <QByteArray>
@@ -23,12 +24,6 @@ extern char** environ;
 
 namespace {
 
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    const size_t n = values.size();
-    return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
-}
 
 double seconds(const timeval& t)
 {

@@ -2,6 +2,7 @@
 // (autoincrement, as the program reads) and the push of the new image into
 // every widget and display, from the key to the idle program.
 
+#include "bench_support.h"
 #include "MainClass.h"
 #include "mapshow.h"
 #include "resources_init.h"
@@ -18,11 +19,6 @@
 
 namespace {
 
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
 
 bool waitIdle(MainClass& window)
 {

@@ -2,6 +2,7 @@
 // bit runs, building the main window (scan and binding), and pushing a whole
 // image into all widgets as the end of a chip read does.
 
+#include "bench_support.h"
 #include "MainClass.h"
 #include "mapshow.h"
 #include "part.h"
@@ -18,16 +19,6 @@
 
 namespace {
 
-long peakRssKb()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLong();
-    return -1;
-}
 
 template <class F>
 double perCallNs(int count, F&& f)

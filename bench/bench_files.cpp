@@ -3,6 +3,7 @@
 // side of F7 on that file (lines, register parsing, filling the images).
 // Medians over repeated runs.
 
+#include "bench_support.h"
 #include "MainClass.h"
 #include "gui_save.h"
 #include "hex_format.h"
@@ -25,12 +26,6 @@
 
 namespace {
 
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    const size_t n = values.size();
-    return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
-}
 
 void report(const char* what, double value, const char* unit)
 {

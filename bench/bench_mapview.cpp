@@ -3,6 +3,7 @@
 // resizing it (layout and the window's own repaint). Medians of many runs,
 // in wall time and in the thread's processor time.
 
+#include "bench_support.h"
 #include "mapshow.h"
 #include "resources_init.h"
 
@@ -26,11 +27,6 @@ double threadMs()
     return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
 }
 
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
 
 // Runs `step` `runs` times and prints the median wall and processor times.
 template <class F>

@@ -3,6 +3,7 @@
 // memory the process holds then. The process is this program again, started
 // with "child", which starts up as the tool does and reports when it is idle.
 
+#include "bench_support.h"
 #include "MainClass.h"
 #include "resources_init.h"
 #include "testbed.h"
@@ -19,16 +20,6 @@
 
 namespace {
 
-long peakRssKb()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLong();
-    return -1;
-}
 
 // What the tool's main() does, until the load of "default.hex" has ended.
 int child(int argc, char* argv[])
@@ -74,8 +65,7 @@ int main(int argc, char* argv[])
         rss = QByteArray(process.readAll()).trimmed().split(' ').value(1).toLong();
         process.waitForFinished(20000);
     }
-    std::sort(times.begin(), times.end());
-    std::printf("%-48s %12.2f ms\n", "start-up to the window with default.hex, median", times[times.size() / 2]);
+    std::printf("%-48s %12.2f ms\n", "start-up to the window with default.hex, median", median(times));
     std::printf("%-48s %12.2f MiB\n", "peak resident memory after start-up", rss / 1024.0);
     return 0;
 }

@@ -3,6 +3,7 @@
 #include "hex_writer.h"
 #include "mapshow.h"
 #include "service_block.h"
+#include "boardsupport.h"
 #include "testbed.h"
 #include "testsupport.h"
 #include "translation.h"
@@ -69,33 +70,10 @@ class tst_ctl : public QObject
     }
 
     QString path(const QString& name) const { return dir.filePath(name); }
-    static void write(const QString& file, const QByteArray& text)
-    {
-        QFile f(file);
-        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(text);
-    }
-    static QByteArray read(const QString& file)
-    {
-        QFile f(file);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
-    }
-    QByteArray chip(int b = 0) const
-    {
-        QByteArray regs;
-        for (int r = 0; r < zvsim::SimulatedChip::kRegisters; ++r)
-            regs += char(bus->chip(b).reg(r));
-        return regs;
-    }
-    // Random contents for the registers the chip does not fill itself; the
-    // C-divider (register 11) at 4 or more, as its box cannot go lower.
-    void fillChip()
-    {
-        for (int r = 6; r < zvsim::SimulatedChip::kRegisters; ++r)
-            if (r != 36)
-                bus->chip(board).setReg(r, quint8(random()));
-        bus->chip(board).setReg(11, quint8(4 + random() % 250));
-    }
+    static void write(const QString& file, const QByteArray& text) { QVERIFY(writeFile(file, text)); }
+    static QByteArray read(const QString& file) { return readFile(file); }
+    QByteArray chip(int b = 0) const { return chipRegisters(bus->chip(b)); }
+    void fillChip() { fillChipAtRandom(bus->chip(board), random); }
     // The registers the chip moves by itself (temperature, a lock bit) are
     // left out of comparisons.
     static bool live(int r) { return r == 4 || r == 5 || r == 36; }

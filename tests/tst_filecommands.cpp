@@ -5,6 +5,7 @@
 #include "mapshow.h"
 #include "part.h"
 #include "service_block.h"
+#include "boardsupport.h"
 #include "testbed.h"
 #include "testsupport.h"
 #include "translation.h"
@@ -27,17 +28,8 @@ class tst_filecommands : public QObject
     void set(const char* key, int value) { main->service->setSetting(key, value); }
     QString path(const QString& name) const { return dir.filePath(name); }
     QByteArray image(const quint8* i) const { return QByteArray(reinterpret_cast<const char*>(i), int(map->registerCount)); }
-    static void write(const QString& file, const QByteArray& text)
-    {
-        QFile f(file);
-        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(text);
-    }
-    static QByteArray read(const QString& file)
-    {
-        QFile f(file);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
-    }
+    static void write(const QString& file, const QByteArray& text) { QVERIFY(writeFile(file, text)); }
+    static QByteArray read(const QString& file) { return readFile(file); }
     QList<QByteArray> sent() const
     {
         QList<QByteArray> frames;

@@ -3,6 +3,7 @@
 #include "mapshow.h"
 #include "part.h"
 #include "service_block.h"
+#include "boardsupport.h"
 #include "testbed.h"
 #include "testsupport.h"
 #include "translation.h"
@@ -28,22 +29,8 @@ class tst_worker : public QObject
     void set(const char* key, int value) { main->service->setSetting(key, value); }
     QByteArray image(const quint8* i) const { return QByteArray(reinterpret_cast<const char*>(i), int(map->registerCount)); }
     QByteArray images() const { return image(map->guiImage) + image(map->icImage) + image(map->cfgImage); }
-    QByteArray chip() const
-    {
-        QByteArray regs;
-        for (int r = 0; r < zvsim::SimulatedChip::kRegisters; ++r)
-            regs += char(bus->chip(board).reg(r));
-        return regs;
-    }
-    // Random contents for the registers the chip does not fill itself;
-    // register 11 (the C-divider) at 4 or more, as its box cannot go lower.
-    void fillChip()
-    {
-        for (int r = 6; r < zvsim::SimulatedChip::kRegisters; ++r)
-            if (r != 36)
-                bus->chip(board).setReg(r, quint8(random()));
-        bus->chip(board).setReg(11, quint8(4 + random() % 250));
-    }
+    QByteArray chip() const { return chipRegisters(bus->chip(board)); }
+    void fillChip() { fillChipAtRandom(bus->chip(board), random); }
     QList<QByteArray> sent() const
     {
         QList<QByteArray> frames;

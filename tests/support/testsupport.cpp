@@ -5,6 +5,7 @@
 #include "resources_init.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QMessageBox>
 #include <QTest>
 
@@ -42,4 +43,16 @@ QStringList runToEnd(clerk* worker, int timeoutMs)
         return ends << QStringLiteral("<still running>");
     QTest::qWait(5); // a second message would be here by now
     return ends;
+}
+
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
+}
+
+bool writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
 }

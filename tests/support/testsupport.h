@@ -34,6 +34,11 @@ QStringList runToEnd(clerk* worker, int timeoutMs = 20000);
 // timeout.
 bool waitIdle(MainClass* window, int timeoutMs = 20000);
 
+// A file's bytes ("<unreadable>" when it cannot be read), and a file made of
+// bytes.
+QByteArray readFile(const QString& path);
+bool writeFile(const QString& path, const QByteArray& bytes);
+
 // Sets up the embedded resources and the offscreen platform's translator
 // once per test program.
 void zvTestInit();

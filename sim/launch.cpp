@@ -93,13 +93,10 @@ public:
             boards.pop_back();
         } else if (verb == "set" && std::sscanf(line.c_str(), "%*s %d %x", &reg, &value) == 2 && reg >= 0
                    && reg < zvsim::SimulatedChip::kRegisters && value <= 0xFF) {
-            bus.chip(boards.back().index).setReg(reg, uint8_t(value));
+            bus.setRegister(boards.back().index, reg, uint8_t(value));
             say("register " + std::to_string(reg) + " set");
         } else if (verb == "dump" && std::sscanf(line.c_str(), "%*s %4095[^\n]", file) == 1) {
-            const zvsim::SimulatedChip& chip = bus.chip(boards.back().index);
-            QByteArray regs(zvsim::SimulatedChip::kRegisters, '\0');
-            for (int r = 0; r < regs.size(); ++r)
-                regs[r] = char(chip.reg(r));
+            const QByteArray regs = bus.registers(boards.back().index);
             const bool written = HexWriter::writeFile(QString::fromLocal8Bit(file),
                                                       HexWriter::chipText(QStringLiteral("ZV4280v2"), regs), false);
             say(written ? std::string("dumped the registers to ") + file : std::string("cannot write ") + file);

@@ -415,6 +415,22 @@ SimulatedChip& Testbed::chip(int board)
     return d->boards.at(size_t(board))->chip;
 }
 
+void Testbed::setRegister(int board, int reg, uint8_t value)
+{
+    std::lock_guard<std::mutex> guard(d->mutex);
+    d->boards.at(size_t(board))->chip.setReg(reg, value);
+}
+
+QByteArray Testbed::registers(int board) const
+{
+    std::lock_guard<std::mutex> guard(d->mutex);
+    const SimulatedChip& chip = d->boards.at(size_t(board))->chip;
+    QByteArray regs(SimulatedChip::kRegisters, '\0');
+    for (int r = 0; r < regs.size(); ++r)
+        regs[r] = char(chip.reg(r));
+    return regs;
+}
+
 void Testbed::unplugAfter(int board, int transfers)
 {
     std::lock_guard<std::mutex> guard(d->mutex);

@@ -59,7 +59,12 @@ public:
 
     int addBoard(const BoardConfig& config = BoardConfig());
     void removeBoard(int board);
+    // The chip behind a board. Its registers may be read and set directly
+    // while no program talks to the board; while one does, use
+    // setRegister and registers, which wait for the exchange in progress.
     SimulatedChip& chip(int board);
+    void setRegister(int board, int reg, uint8_t value);
+    QByteArray registers(int board) const;
 
     // Faults, each for the given board.
     void unplugAfter(int board, int transfers); // later transfers fail: no device

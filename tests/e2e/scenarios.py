@@ -48,10 +48,14 @@ class Bench:
             shutil.copy(args.defaults, os.path.join(self.workdir, "default.hex"))
         try:
             self.program = Program(self.desk, command or [args.launcher, args.program], self.workdir)
+            self.frame = self.program.frame
+            # Every start loads the folder's default.hex; its end shows in the
+            # chip's own fields ("n/a"). A key pressed before it would only
+            # stop the load.
+            self.wait_shown("text", CHIP_ID, "n/a")
         except BaseException:
             self.desk.close()
             raise
-        self.frame = self.program.frame
 
     def close(self):
         self.program.stop()

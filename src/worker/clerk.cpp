@@ -10,6 +10,8 @@
 #include <QElapsedTimer>
 #include <QMetaObject>
 
+clerk::clerk(QObject* parent) : QThread(parent) {}
+
 clerk::clerk(int commandNumber, const QString& file, service_block* panel, const QMap<QString, mapshow*>& mapTable,
              QObject* parent)
     : QThread(parent), fileName(file), command(commandNumber), service(panel), maps(mapTable)
@@ -25,6 +27,8 @@ QString clerk::operation()
 {
     if (maps.isEmpty())
         return tr("Отсутствует карта регистров");
+    if (!service) // no panel, so no way to the chip and no settings
+        return tr("Interface error 5 ");
     // Every command first reads the chip's release (register 1, bits D2-D0);
     // release 1 is refused for the commands that touch the chip or save it.
     // A failed read is no failure here: the command finds out by itself.

@@ -26,6 +26,8 @@ class clerk : public QThread
     Q_OBJECT
 
 public:
+    // An empty worker, whose fields the starter fills in, or one filled in.
+    explicit clerk(QObject* parent = nullptr);
     clerk(int command, const QString& fileName, service_block* service, const QMap<QString, mapshow*>& maps,
           QObject* parent = nullptr);
 

@@ -37,17 +37,17 @@ bool CtlBoard::scan(QList<Found>* boards)
     return true;
 }
 
-QString CtlBoard::choose(const QString& spec, QString* error, bool* usage)
+QString CtlBoard::choose(const QString& choice, QString* error, bool* usage)
 {
     *usage = false;
-    const QStringList parts = spec.split(QLatin1Char(':'));
+    const QStringList parts = choice.split(QLatin1Char(':'));
     qint64 bus = -1, address = -1;
     if (parts.size() != 2 || parts[0].startsWith(QLatin1String("0x"), Qt::CaseInsensitive)
         || parts[1].startsWith(QLatin1String("0x"), Qt::CaseInsensitive) || !CtlOptions::number(parts[0], &bus)
         || !CtlOptions::number(parts[1], &address) || bus > 255 || address > 255) {
         *usage = true;
         *error = QStringLiteral("--board takes BUS:ADDRESS, two decimal numbers up to 255 as lsusb shows them, "
-                                "such as 1:5; not \"%1\"").arg(spec);
+                                "such as 1:5; not \"%1\"").arg(choice);
         return QString();
     }
     QList<Found> boards;

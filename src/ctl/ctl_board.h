@@ -26,7 +26,7 @@ public:
     // The device key of the board that "--board BUS:ADDRESS" names. Empty
     // with a message in `error` when the text is no BUS:ADDRESS (`usage`
     // set) or no board sits there.
-    static QString choose(const QString& spec, QString* error, bool* usage);
+    static QString choose(const QString& choice, QString* error, bool* usage);
 
     // Why a register operation found no board, when the bus tells: none,
     // or several and none chosen. Empty otherwise.

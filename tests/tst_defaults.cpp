@@ -4,7 +4,6 @@
 #include "mapshow.h"
 #include "part.h"
 #include "testsupport.h"
-#include "translation.h"
 #include <QtTest>
 #include <QtWidgets>
 
@@ -19,8 +18,7 @@ class tst_defaults : public QObject
 private slots:
     void defaultFileIsTheFormsStartState()
     {
-        zvTestInit();
-        installTranslation(*QCoreApplication::instance());
+        zvTestInit(true);
         QTemporaryDir empty; // no "default.hex" here: the widgets keep the forms' values
         QVERIFY(QDir::setCurrent(empty.path()));
         ModalCatcher catcher;

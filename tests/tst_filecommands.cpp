@@ -6,9 +6,7 @@
 #include "part.h"
 #include "service_block.h"
 #include "boardsupport.h"
-#include "testbed.h"
 #include "testsupport.h"
-#include "translation.h"
 #include <QtTest>
 #include <QtWidgets>
 #include <random>
@@ -27,17 +25,10 @@ class tst_filecommands : public QObject
 
     void set(const char* key, int value) { main->service->setSetting(key, value); }
     QString path(const QString& name) const { return dir.filePath(name); }
-    QByteArray image(const quint8* i) const { return QByteArray(reinterpret_cast<const char*>(i), int(map->registerCount)); }
+    QByteArray image(const quint8* i) const { return imageBytes(i, int(map->registerCount)); }
     static void write(const QString& file, const QByteArray& text) { QVERIFY(writeFile(file, text)); }
     static QByteArray read(const QString& file) { return readFile(file); }
-    QList<QByteArray> sent() const
-    {
-        QList<QByteArray> frames;
-        for (const zvsim::WireFrame& f : bus->wireLog())
-            if (f.out)
-                frames << f.bytes;
-        return frames;
-    }
+    QList<QByteArray> sent() const { return sentFrames(*bus); }
     // Runs one command in a worker of its own and gives its end message.
     QString run(int command, const QString& file)
     {
@@ -70,8 +61,7 @@ class tst_filecommands : public QObject
 private slots:
     void initTestCase()
     {
-        zvTestInit();
-        installTranslation(*QCoreApplication::instance());
+        zvTestInit(true);
         if (!zvsim::Testbed::available())
             QSKIP("needs umockdev-wrapper");
         QVERIFY(dir.isValid());
@@ -90,9 +80,9 @@ private slots:
     void cleanup()
     {
         QVERIFY(waitIdle(main));
-        QCOMPARE(bus->claims(board), bus->releases(board));
-        QCOMPARE(bus->closes(board), bus->opens(board));
+        const QString unreleased = bus->unreleased();
         bus.reset();
+        QCOMPARE(unreleased, QString());
     }
     void cleanupTestCase() { delete main; }
 

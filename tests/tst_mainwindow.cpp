@@ -1,6 +1,5 @@
 #include "MainClass.h"
 #include "testsupport.h"
-#include "translation.h"
 #include <QtTest>
 #include <QtWidgets>
 
@@ -12,7 +11,8 @@ class tst_mainwindow : public QObject
 private slots:
     void initTestCase()
     {
-        zvTestInit(), installTranslation(*QCoreApplication::instance()), main.reset(new MainClass);
+        zvTestInit(true);
+        main.reset(new MainClass);
         QVERIFY(waitIdle(main.get()));
     }
     void actions_data()

@@ -1,7 +1,6 @@
 #include "service_block.h"
 #include "testbed.h"
 #include "testsupport.h"
-#include "translation.h"
 #include "usb_link.h"
 #include <QtTest>
 #include <QtWidgets>
@@ -17,8 +16,7 @@ class tst_panel : public QObject
 private slots:
     void initTestCase()
     {
-        zvTestInit();
-        installTranslation(*QCoreApplication::instance());
+        zvTestInit(true);
         if (!zvsim::Testbed::available())
             QSKIP("needs umockdev-wrapper");
     }

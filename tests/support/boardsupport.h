@@ -3,8 +3,10 @@
 // Helpers for the tests that run on a simulated board.
 
 #include "simulated_chip.h"
+#include "testbed.h"
 
 #include <QByteArray>
+#include <QList>
 
 #include <random>
 
@@ -15,6 +17,16 @@ inline QByteArray chipRegisters(const zvsim::SimulatedChip& chip)
     for (int r = 0; r < zvsim::SimulatedChip::kRegisters; ++r)
         regs += char(chip.reg(r));
     return regs;
+}
+
+// The frames the host sent, in order.
+inline QList<QByteArray> sentFrames(const zvsim::Testbed& bus)
+{
+    QList<QByteArray> frames;
+    for (const zvsim::WireFrame& f : bus.wireLog())
+        if (f.out)
+            frames << f.bytes;
+    return frames;
 }
 
 // Random contents for the registers the chip does not fill itself (identity,

@@ -3,6 +3,7 @@
 #include "MainClass.h"
 #include "clerk.h"
 #include "resources_init.h"
+#include "translation.h"
 
 #include <QApplication>
 #include <QFile>
@@ -23,9 +24,11 @@ void ModalCatcher::poll()
     }
 }
 
-void zvTestInit()
+void zvTestInit(bool english)
 {
     zvInitResources();
+    if (english)
+        installTranslation(*QCoreApplication::instance());
 }
 
 bool waitIdle(MainClass* window, int timeoutMs)
@@ -55,4 +58,9 @@ bool writeFile(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+}
+
+QByteArray imageBytes(const unsigned char* image, int size)
+{
+    return QByteArray(reinterpret_cast<const char*>(image), size);
 }

@@ -39,6 +39,9 @@ bool waitIdle(MainClass* window, int timeoutMs = 20000);
 QByteArray readFile(const QString& path);
 bool writeFile(const QString& path, const QByteArray& bytes);
 
-// Sets up the embedded resources and the offscreen platform's translator
-// once per test program.
-void zvTestInit();
+// The bytes of a register image.
+QByteArray imageBytes(const unsigned char* image, int size = 291);
+
+// Sets up the embedded resources once per test program, and with `english`
+// the program's English translation.
+void zvTestInit(bool english = false);

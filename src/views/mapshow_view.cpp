@@ -57,7 +57,6 @@ void mapshow::setUpView()
         viewModel = model;
         table->setModel(model);
         table->setItemDelegate(new CellDelegate(table));
-        table->horizontalHeader()->hide(); // it has no texts
         table->installEventFilter(this);
     } else if (ui->choose_view->currentIndex() == NamedView) {
         setUpNamedView();

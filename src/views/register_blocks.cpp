@@ -4,8 +4,6 @@
 
 #include <QColor>
 #include <QHeaderView>
-#include <QScrollBar>
-#include <QStyle>
 #include <QTableView>
 
 RegisterBlocks::Cell RegisterBlocks::cell(int row, int column) const
@@ -27,15 +25,8 @@ void RegisterBlocks::setSpans(QTableView* view, int rows) const
 
 void RegisterBlocks::setColumnWidths(QTableView* view, int width) const
 {
-    // What the table's width holds beside the columns: its frame, the row
-    // header and the scroll bar; 30 at the least.
-    const QHeaderView* rowHeader = view->verticalHeader();
-    const int headerWidth = rowHeader->isHidden() ? 0 : qMax(rowHeader->minimumWidth(), rowHeader->sizeHint().width());
-    const int barWidth = view->verticalScrollBarPolicy() == Qt::ScrollBarAlwaysOff
-                             ? 0
-                             : view->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, view->verticalScrollBar());
-    const int beside = qMax(30, 2 * view->frameWidth() + headerWidth + barWidth);
-    const int w = qMax(2, (width - beside) / tableColumns());
+    // 30 of the width are left for the row header and the frame.
+    const int w = qMax(2, (width - 30) / tableColumns());
     QHeaderView* header = view->horizontalHeader();
     for (int c = 0; c < tableColumns(); ++c) {
         const int size = c % columnsPerRegister == hexColumn ? w + 8 : w - 1;

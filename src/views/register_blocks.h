@@ -49,9 +49,9 @@ public:
     // The number line's cells across each register and the spacer line
     // across the whole table, for `rows` table rows.
     void setSpans(QTableView* view, int rows) const;
-    // Column widths that share `width` between the columns, less what the
-    // view shows beside them; the hexadecimal columns take 9 more than the
-    // bit columns.
+    // Column widths that share `width` less 30 between the columns; the
+    // register number and bit columns take one less than their share, the
+    // hexadecimal columns 8 more.
     void setColumnWidths(QTableView* view, int width) const;
 
     // A cell's text, alignment and background. `images` are guiImage, icImage

@@ -103,12 +103,15 @@ bool TableNamedModel::setData(const QModelIndex& index, const QVariant& value, i
 {
     if (!index.isValid())
         return false;
-    const int position = index.row() * 8 + bitOfColumn(index.column());
+    // Every cell takes an edit, and the column picks the bit by halves from
+    // column 2: a bit's value cell and the name cell before it (column 1
+    // and the Value column stand for D7 of their row, column 0 for the last
+    // bit of the register above).
+    const int position = index.row() * 8 + (index.column() - ValueColumn) / 2;
     const auto owner = map->bitOwners.constFind(position);
-    if (!isBitValueColumn(index.column()) || owner == map->bitOwners.constEnd() || !owner->widget) {
-        emit dataChanged(index, index);
+    emit dataChanged(index, index);
+    if (position < 0 || owner == map->bitOwners.constEnd() || !owner->widget)
         return false;
-    }
     map->setBit(liveImages[0], position, value.toInt() >= 1 ? 1 : 0);
     // The fieldKey: the object name less "ZV_" and less what follows the
     // chip word.
@@ -126,11 +129,10 @@ QVariant TableNamedModel::headerData(int section, Qt::Orientation orientation, i
     return orientation == Qt::Horizontal ? columnTitle(section) : QString();
 }
 
-// Only the bits' value cells can be edited: the other columns are derived.
 Qt::ItemFlags TableNamedModel::flags(const QModelIndex& index) const
 {
     const Qt::ItemFlags base = QAbstractTableModel::flags(index);
-    return index.isValid() && isBitValueColumn(index.column()) ? base | Qt::ItemIsEditable : base;
+    return index.isValid() ? base | Qt::ItemIsEditable : base;
 }
 
 void TableNamedModel::bitChanged(int position)

@@ -65,42 +65,31 @@ QVariant TableTriadaModel::headerData(int section, Qt::Orientation orientation, 
     return orientation == Qt::Horizontal ? QString() : RegisterBlocks::lineTitle(section, look);
 }
 
+// The four only tell the views; the numbers are the resize's to change.
 bool TableTriadaModel::insertRows(int row, int count, const QModelIndex& parent)
 {
-    if (parent.isValid() || row < 0 || row > rows || count < 1)
-        return false;
     beginInsertRows(parent, row, row + count - 1);
-    rows += count;
     endInsertRows();
     return true;
 }
 
 bool TableTriadaModel::removeRows(int row, int count, const QModelIndex& parent)
 {
-    if (parent.isValid() || row < 0 || count < 1 || row + count > rows)
-        return false;
     beginRemoveRows(parent, row, row + count - 1);
-    rows -= count;
     endRemoveRows();
     return true;
 }
 
 bool TableTriadaModel::insertColumns(int column, int count, const QModelIndex& parent)
 {
-    if (parent.isValid() || column < 0 || column > columns || count < 1)
-        return false;
     beginInsertColumns(parent, column, column + count - 1);
-    columns += count;
     endInsertColumns();
     return true;
 }
 
 bool TableTriadaModel::removeColumns(int column, int count, const QModelIndex& parent)
 {
-    if (parent.isValid() || column < 0 || count < 1 || column + count > columns)
-        return false;
     beginRemoveColumns(parent, column, column + count - 1);
-    columns -= count;
     endRemoveColumns();
     return true;
 }
@@ -108,20 +97,21 @@ bool TableTriadaModel::removeColumns(int column, int count, const QModelIndex& p
 void TableTriadaModel::resize(int width, int)
 {
     const RegisterBlocks layout(width / registerColumnWidth);
-    const int newColumns = layout.tableColumns();
-    const int newRows = (shownRegisters / layout.registerColumns() + 1) * RegisterBlocks::linesPerBlock;
+    const int oldRows = rows, oldColumns = columns;
+    columns = layout.tableColumns();
+    rows = (shownRegisters / layout.registerColumns() + 1) * RegisterBlocks::linesPerBlock;
     // The spans and the row heights change only with the number of
     // registers side by side; a resize within it only shares the width anew.
     if (layout.registerColumns() != laidOutColumns)
         view->clearSpans();
-    if (newRows < rows)
-        removeRows(newRows, rows - newRows);
-    else if (newRows > rows)
-        insertRows(rows, newRows - rows);
-    if (newColumns < columns)
-        removeColumns(newColumns, columns - newColumns);
-    else if (newColumns > columns)
-        insertColumns(columns, newColumns - columns);
+    if (rows < oldRows)
+        removeRows(0, oldRows - rows);
+    else if (rows > oldRows)
+        insertRows(0, rows - oldRows);
+    if (columns < oldColumns)
+        removeColumns(0, oldColumns - columns);
+    else if (columns > oldColumns)
+        insertColumns(0, columns - oldColumns);
     if (layout.registerColumns() != laidOutColumns) {
         layout.setSpans(view, rows);
         laidOutColumns = layout.registerColumns();
@@ -139,15 +129,17 @@ void TableTriadaModel::dropOld(int index)
 
 void TableTriadaModel::bitChanged(int position)
 {
+    // Registers past the last one shown still have cells ("-") in the last
+    // block; those beyond the table have none to tell.
     const int reg = position / 8;
-    if (reg > shownRegisters)
-        return;
     const RegisterBlocks layout = blocks();
     const int row = layout.row(reg, RegisterBlocks::GuiLine);
     const QModelIndex bitCell = index(row, layout.column(reg, position % 8));
     const QModelIndex hexCell = index(row, layout.column(reg, RegisterBlocks::hexColumn));
-    emit dataChanged(bitCell, bitCell);
-    emit dataChanged(hexCell, hexCell);
+    if (bitCell.isValid())
+        emit dataChanged(bitCell, bitCell);
+    if (hexCell.isValid())
+        emit dataChanged(hexCell, hexCell);
 }
 
 void TableTriadaModel::refresh()

@@ -24,9 +24,9 @@ bool waitIdle(MainClass& window)
 {
     QElapsedTimer clock;
     clock.start();
-    while (window.worker && clock.elapsed() < 20000)
+    while (window.running && clock.elapsed() < 20000)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    return !window.worker;
+    return !window.running;
 }
 
 } // namespace

@@ -29,7 +29,7 @@ int child(int argc, char* argv[])
     installTranslation(app);
     MainClass window;
     window.show();
-    while (window.worker)
+    while (window.running)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     QCoreApplication::processEvents(); // the window painted once
     std::printf("ready %ld\n", peakRssKb());

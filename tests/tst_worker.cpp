@@ -411,6 +411,34 @@ private slots:
         board = bus->addBoard({0x2976, 3, 1, 9});
     }
 
+    // A repeat-read timer that fires while a failure's message waits for the
+    // user only stops what has already ended: no read starts behind the box,
+    // even once the ended worker is gone.
+    void repeatTimerBehindFailure()
+    {
+        set("RepeatRead", 1);
+        bus->unplugAfter(board, 0);
+        bool boxSeen = false, startedBehind = false;
+        QTimer poll;
+        connect(&poll, &QTimer::timeout, this, [&] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box || boxSeen)
+                return;
+            boxSeen = true;
+            QVERIFY(QTest::qWaitFor([&] { return main->worker.isNull(); }, 1000));
+            action("action_ICGUI")->setChecked(true);
+            QMetaObject::invokeMethod(main, "on_action_ICGUI_triggered", Qt::DirectConnection);
+            startedBehind = !main->worker.isNull();
+            box->done(0);
+        });
+        poll.start(5);
+        action("action_GUIIC")->trigger();
+        QTRY_VERIFY_WITH_TIMEOUT(boxSeen, 5000);
+        QVERIFY(waitIdle(main));
+        QVERIFY(!startedBehind);
+        QVERIFY(!action("action_ICGUI")->isChecked());
+    }
+
     void functionKeysInEveryWindow()
     {
         for (const char* window : {"dockA", "service", "ZV4280v2"}) {

@@ -41,9 +41,13 @@ public:
     QMap<QString, part*> outputs;
     QMap<QString, mapshow*> maps;
     QString lastPath;
-    // The running operation; null when the program is idle. It follows the
-    // clerk's own deletion, so it never dangles.
+    // The running operation. `running` holds from the start until its end
+    // message has been dealt with (a failure's message box closed); `worker`
+    // follows the clerk's own deletion, which may come earlier, so it never
+    // dangles.
     QPointer<clerk> worker;
+    bool running = false;
+    int runningCommand = 0;
     QProgressBar* progressBar = nullptr;
 
     // The first register map, which all map-wide operations serve.
@@ -92,7 +96,7 @@ private:
     // Asks the running operation to stop; false when none runs.
     bool stopRunning();
     void startOperation(int command, const QString& fileName = QString());
-    QString askFile(bool save, const QString& caption);
+    QString askFile(bool save, const QString& caption, bool keepFolder = true);
     void pushImage(mapshow* map);
 
     Ui::MainClass* ui;

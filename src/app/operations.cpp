@@ -46,9 +46,10 @@ QAction* MainClass::progressAction() const
 
 bool MainClass::stopRunning()
 {
-    if (!worker)
+    if (!running)
         return false;
-    worker->interrupted = true;
+    if (worker)
+        worker->interrupted = true;
     return true;
 }
 
@@ -58,6 +59,8 @@ void MainClass::startOperation(int command, const QString& fileName)
     if (command >= 1 && command <= 8)
         progressBar->setFormat(tr(kOperationNames[command]) + QStringLiteral(" %p%"));
     progressAction()->setVisible(true);
+    running = true;
+    runningCommand = command;
     worker = newWorker(command, fileName);
     connect(worker, &clerk::percent_up, progressBar, &QProgressBar::setValue);
     connect(worker, &clerk::error_mess, this, &MainClass::error_message);
@@ -68,22 +71,22 @@ void MainClass::startOperation(int command, const QString& fileName)
 clerk* MainClass::newWorker(int command, const QString& fileName)
 {
     auto* created = new clerk(command, fileName, service, maps);
-    if (command == 6)
+    if (command == 6 && firstMap())
         created->save = GuiSave::take(*firstMap(), service->settings);
     return created;
 }
 
 // Asks for a file in lastPath; empty when the user cancelled. Backslashes
-// become slashes, and lastPath follows the chosen folder.
-QString MainClass::askFile(bool save, const QString& caption)
+// become slashes, and lastPath follows the chosen folder unless `keepFolder`
+// is off.
+QString MainClass::askFile(bool save, const QString& caption, bool keepFolder)
 {
     const QString filter = tr("Map files (*.hex)");
     QString path = save ? QFileDialog::getSaveFileName(this, caption, lastPath, filter)
                         : QFileDialog::getOpenFileName(this, caption, lastPath, filter);
-    if (path.isEmpty())
-        return path;
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));
-    lastPath = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
+    if (keepFolder && !path.isEmpty())
+        lastPath = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
     return path;
 }
 
@@ -141,12 +144,14 @@ void MainClass::on_action_ICGUI_triggered()
     startOperation(1);
 }
 
-// Chip to file asks for the file first, even while an operation runs.
+// Chip to file asks for the file first, even while an operation runs; an
+// answer that only stops the operation leaves lastPath as it was.
 void MainClass::on_Button_ICFILE_clicked()
 {
-    const QString path = askFile(true, tr("Open file"));
+    const QString path = askFile(true, tr("Open file"), false);
     if (path.isEmpty() || stopRunning())
         return;
+    lastPath = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
     startOperation(4, path);
 }
 
@@ -154,18 +159,23 @@ void MainClass::on_Button_ICFILE_clicked()
 // success brings the new images into the widgets and the displays.
 void MainClass::error_message(QString m)
 {
-    if (!worker)
+    if (!running)
         return; // a second end message of an operation already ended
     if (!m.isEmpty()) {
+        // The box waits for the user; until it closes the operation counts
+        // as running, so a repeat-read timer that fires behind it only stops.
         showModal(m);
         progressAction()->setVisible(false);
         if (ui->action_ICGUI->isChecked())
             ui->action_ICGUI->setChecked(false);
         worker = nullptr;
+        running = false;
         return;
     }
 
-    const int cmd = worker->command;
+    // A write with read-back ends as the read it turned into; the clerk is
+    // still there, as its deletion is queued behind this message.
+    const int cmd = worker ? int(worker->command) : runningCommand;
     mapshow* map = firstMap();
     showOperationResult(cmd);
     if (cmd == 1 || cmd == 5) {
@@ -179,6 +189,7 @@ void MainClass::error_message(QString m)
     map->refreshRegisterView();
     progressAction()->setVisible(false);
     worker = nullptr;
+    running = false;
 }
 
 void MainClass::showOperationResult(int command)

@@ -76,7 +76,7 @@ bool clerk::pause()
             return false;
         QThread::msleep(1);
     }
-    return !interrupted;
+    return true;
 }
 
 // A register operation that returned false: either the board could not be

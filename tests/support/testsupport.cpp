@@ -33,7 +33,7 @@ void zvTestInit(bool english)
 
 bool waitIdle(MainClass* window, int timeoutMs)
 {
-    return QTest::qWaitFor([window] { return !window->worker; }, timeoutMs);
+    return QTest::qWaitFor([window] { return !window->running; }, timeoutMs);
 }
 
 QStringList runToEnd(clerk* worker, int timeoutMs)

@@ -87,18 +87,20 @@ private slots:
     void cleanupTestCase() { delete main; }
 
     // Each section goes to the chip as one block, in file order, after a
-    // pause of its own; a register may be written twice.
+    // pause of its own; a register may be written twice. Register -1 is a
+    // pause as a map line is.
     void fileToChipInSections()
     {
-        write(path("two.hex"), ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\n");
+        write(path("two.hex"),
+              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\nReg-1\t05\nReg32\t44\n");
         set("writePause", 60);
         bus->clearWireLog();
         QElapsedTimer clock;
         clock.start();
         QCOMPARE(run(3, path("two.hex")), QString());
-        QVERIFY(clock.elapsed() >= 120);
+        QVERIFY(clock.elapsed() >= 180);
         QCOMPARE(sent().mid(1), QList<QByteArray>({QByteArray::fromHex("1506001E11001F22"),
-                                                   QByteArray::fromHex("1503001E33")}));
+                                                   QByteArray::fromHex("1503001E33"), QByteArray::fromHex("1503002044")}));
         QCOMPARE(bus->chip(board).reg(30), quint8(0x33));
         QCOMPARE(bus->chip(board).reg(31), quint8(0x22));
     }

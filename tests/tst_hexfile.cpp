@@ -196,9 +196,9 @@ private slots:
         QTest::newRow("line ends only") << QByteArray("\n\r\n\n") << "";
         QTest::newRow("unusable register lines")
             << QByteArray("Reg\nReg12\nRegX 5F\nReg12 ZZ\nReg-3 5F\nReg-1 00\nReg99999999999 5F\nReg12 123456789AB\nhi Reg1 2\n")
-            << "? ? 0=5F 12=00 ? ? 0=5F 12=00";
+            << "? ? 0=5F 12=00 -3=5F -1=00 0=5F 12=00";
         static const char binary[] = "\x00\xff\xfe\x01Reg1 1\nReg\x00\n\xc3\x28Reg2 2\nReg5 A1\nReg6 \xff 7\nReg7 5F\x00\n";
-        QTest::newRow("binary") << QByteArray(binary, sizeof binary - 1) << "? 5=A1 6=00 7=5F"; // NUL ends a number
+        QTest::newRow("binary") << QByteArray(binary, sizeof binary - 1) << "? 5=A1 6=00 7=00"; // NUL is no digit
         QTest::newRow("very long lines") << "Reg5 A1 //" + QByteArray(1 << 20, 'x') + "\n" + QByteArray(1 << 18, ' ')
                                                 + "Reg6 B2\nReg7 " + QByteArray(1 << 18, '9') + "\nReg8 C3"
                                          << "5=A1 6=B2 7=00 8=C3";

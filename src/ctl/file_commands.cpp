@@ -47,7 +47,7 @@ int FileCommands::checkLoad(const QString& file, int* status)
         }
         case HexFormat::LineKind::Register:
             if (const auto reg = HexFormat::readRegister(line)) {
-                if (reg->number >= qint32(map.registerCount)) {
+                if (reg->number < 0 || reg->number >= qint32(map.registerCount)) {
                     *status = out.fail(CtlExit::Usage, where + QStringLiteral("no register %1: registers are 0 to %2")
                                                                    .arg(reg->number)
                                                                    .arg(map.registerCount - 1));

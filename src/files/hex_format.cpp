@@ -29,10 +29,8 @@ QString HexFormat::loadedMapName(const QString& trimmedMapLine)
 // dropped anywhere in the line, and the first two pieces are the register
 // number (decimal) and the value (hexadecimal). A piece that is no number,
 // or too big a number, counts as 0; the value keeps its low 8 bits.
-//
-// A negative register number makes the line unusable: the file to chip
-// command would take -1 for its pause marker, and no image has a place for
-// it.
+// A negative number reads as it stands: file to chip takes -1 for a pause
+// and sends the others as they are; file to GUI has no place for them.
 std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
 {
     QString text = line;
@@ -46,8 +44,6 @@ std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
 
     Register r;
     r.number = pieces.at(0).toInt(nullptr, 10);
-    if (r.number < 0)
-        return std::nullopt;
     r.value = quint8(pieces.at(1).toUInt(nullptr, 16) & 0xFFu);
     return r;
 }

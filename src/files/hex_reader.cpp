@@ -18,7 +18,8 @@ bool HexReader::nextLine(QString* line)
     if (bytes.isEmpty())
         return false;
     // The decoder drops a byte order mark that an editor may have put first.
-    *line = QString::fromUtf8(bytes).trimmed();
+    // A zero byte is a character like any other, not the line's end.
+    *line = QString::fromUtf8(bytes.constData(), bytes.size()).trimmed();
     return true;
 }
 

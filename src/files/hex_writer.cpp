@@ -18,7 +18,10 @@ bool HexWriter::open()
         file.reset(f);
         failed = !f->open(QIODevice::WriteOnly | QIODevice::Append);
     } else {
+        // A file that can be written in a folder that cannot (no room for
+        // the temporary copy) is written in place.
         auto* f = new QSaveFile(path);
+        f->setDirectWriteFallback(true);
         file.reset(f);
         failed = !f->open(QIODevice::WriteOnly);
     }

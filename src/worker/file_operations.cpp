@@ -165,7 +165,7 @@ QString clerk::fileToGui()
             mapshow* map = maps.value(it.key());
             std::vector<quint8> buffer(map->registerCount, 0);
             for (auto r = it.value().cbegin(); r != it.value().cend(); ++r) {
-                if (r.key() >= int(map->registerCount))
+                if (r.key() < 0 || r.key() >= int(map->registerCount))
                     continue; // no such register in the image
                 buffer[size_t(r.key())] = r.value();
                 map->guiImage[r.key()] = r.value();

@@ -46,6 +46,7 @@ private slots:
         for (auto [n, text] : {std::pair{"search_interface", "Search"}, {"flag_ChangesOnly", "Changes only"},
                                {"text_pause", "Read/write pause (ms)"}, {"ButtonReadRegister", "Read"}})
             QCOMPARE(w(n)->property("text").toString(), QString(text));
+        QVERIFY(w("Info")->toolTip().contains("<p>5 - не выбран интерфейс</p>")); // it has no translation
         w<QSpinBox>("flag_PauseTimer")->setValue(750);
         QCOMPARE(panel->settings.value("PauseTimer"), 750);
         QCOMPARE(panel->settings.value("writePause"), 750);

@@ -221,9 +221,5 @@
         <source>Запись</source>
         <translation>Write</translation>
     </message>
-    <message>
-        <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;5 - не выбран интерфейс&lt;/p&gt;&lt;p&gt;6 - не удалось подключиться к устройству через libusb&lt;/p&gt;&lt;p&gt;7 - не существующий интерфейс (недостижимо)&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
-        <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;5 - no interface selected&lt;/p&gt;&lt;p&gt;6 - could not connect to the device through libusb&lt;/p&gt;&lt;p&gt;7 - interface does not exist (unreachable)&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
-    </message>
 </context>
 </TS>

@@ -50,8 +50,14 @@ private slots:
     void rejects()
     {
         for (const char* n : {"", "ChA_PLL_RDivLabelG", "horizontalLayout_11", "ChA_PLL_LF_C1_ZV4280v2_Expression",
-                              "zv_X_ZV4280v2_1_1", "ZV", "ZV_ZV4280v2_1_1", "ZV_A_ZV4280v2_1", "ZV_ZV4280v2_1_1_I"})
+                              "zv_X_ZV4280v2_1_1", "ZV", "ZV_ZV4280v2_1", "ZV_1_1_I"})
             QVERIFY2(!read(n), n);
+        // Three tokens are enough: the chip word is the one two before the
+        // width, and the name ends with it.
+        for (auto [n, chip] : {std::pair{"ZV_ZV4280v2_1_1", "ZV4280v2"}, {"ZV_A_ZV4280v2_1", "A"}, {"ZV_A_ZV4280v2_10_1I", "A"}}) {
+            const auto p = read(n);
+            QVERIFY2(p && p->chip == chip && p->name == chip, n);
+        }
     }
     void toolTip()
     {

@@ -16,9 +16,9 @@ part* mapshow::ParseObjName(const QString& name)
     const bool inverted = tokens.at(cursor).contains(QLatin1Char('I'));
     if (inverted)
         --cursor;
-    // Behind "ZV" there must be at least one word, the chip word, a position
-    // and a width.
-    if (cursor - 3 < 1)
+    // Behind "ZV" there must be at least a chip word, a position and a width;
+    // the chip word is whatever stands two before the width.
+    if (cursor < 3)
         return nullptr;
 
     part* p = new part;

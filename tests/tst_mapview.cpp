@@ -109,7 +109,8 @@ private slots:
         mapshow map("ZV4280v2", 291);
         const QAbstractItemModel* m = model(&map);
         triad(&map)->resize(150, 400); // one register per block
-        map.setBit(map.guiImage, 13, 1), map.setBit(map.icImage, 13, 1), map.setBit(map.guiImage, 106 * 8, 1);
+        map.setBit(map.guiImage, 13, 1), map.setBit(map.icImage, 13, 1);
+        map.setBit(map.guiImage, 105 * 8, 1), map.setBit(map.guiImage, 106 * 8, 1);
         QCOMPARE(colour(m, 2 + 6, 5), "#00BFFF"); // register 1, D2
         QCOMPARE(colour(m, 3 + 6, 5), "#00BFFF");
         map.dropOldIC();
@@ -118,15 +119,16 @@ private slots:
         map.dropOldGUI();
         QCOMPARE(colour(m, 2 + 6, 5), "#DDDDDD");
         QCOMPARE(colour(m, 2 + 6, 8), "#FFFF00");
+        QCOMPARE(colour(m, 2 + 6 * 105, 0), "#DDDDDD"); // the last register refreshed
         QCOMPARE(colour(m, 2 + 6 * 106, 0), "#00BFFF");
         map.setBit(map.guiImage, 13, 0);
         QCOMPARE(colour(m, 2 + 6, 5), "#00BFFF");
     }
 
     // "width registers rows": one layout after another of the same shown
-    // window, by the table's width. The columns fill the table without a
-    // horizontal scroll bar, at least one register column stays, and a
-    // refresh is one reset that keeps the layout.
+    // window, by the table's width. The columns share the table's width less
+    // 30, at least one register column stays, and a refresh is one reset
+    // that keeps the layout.
     void triadLayout_data()
     {
         QTest::addColumn<QString>("row");

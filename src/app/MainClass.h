@@ -97,6 +97,7 @@ private:
     bool stopRunning();
     void startOperation(int command, const QString& fileName = QString());
     QString askFile(bool save, const QString& caption, bool keepFolder = true);
+    void openFileFor(int command);
     void pushImage(mapshow* map);
 
     Ui::MainClass* ui;

@@ -107,26 +107,26 @@ void MainClass::on_action_GUIFILE_triggered()
         startOperation(6, path);
 }
 
-void MainClass::on_action_FILEGUI_triggered()
+// F7 and F9: a file chosen to be read, and its path in the title.
+void MainClass::openFileFor(int command)
 {
     if (stopRunning())
         return;
     const QString path = askFile(false, tr("Open .hex"));
     if (path.isEmpty())
         return;
-    startOperation(5, path);
+    startOperation(command, path);
     setWindowTitle(QLatin1String(kWindowTitle) + path);
+}
+
+void MainClass::on_action_FILEGUI_triggered()
+{
+    openFileFor(5);
 }
 
 void MainClass::on_action_FILEIC_triggered()
 {
-    if (stopRunning())
-        return;
-    const QString path = askFile(false, tr("Open .hex"));
-    if (path.isEmpty())
-        return;
-    startOperation(3, path);
-    setWindowTitle(QLatin1String(kWindowTitle) + path);
+    openFileFor(3);
 }
 
 void MainClass::on_action_GUIIC_triggered()

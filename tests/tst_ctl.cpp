@@ -113,9 +113,7 @@ private slots:
     }
     void cleanup()
     {
-        const QString unreleased = bus->unreleased();
-        bus.reset();
-        QCOMPARE(unreleased, QString());
+        QCOMPARE(closeBus(bus), QString());
     }
 
     void help()

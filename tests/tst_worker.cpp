@@ -84,9 +84,7 @@ private slots:
     void cleanup()
     {
         QVERIFY(waitIdle(main));
-        const QString unreleased = bus->unreleased();
-        bus.reset();
-        QCOMPARE(unreleased, QString());
+        QCOMPARE(closeBus(bus), QString());
     }
     void cleanupTestCase() { delete main; }
 

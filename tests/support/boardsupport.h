@@ -7,7 +7,9 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QString>
 
+#include <memory>
 #include <random>
 
 // The chip's registers as they stand.
@@ -17,6 +19,15 @@ inline QByteArray chipRegisters(const zvsim::SimulatedChip& chip)
     for (int r = 0; r < zvsim::SimulatedChip::kRegisters; ++r)
         regs += char(chip.reg(r));
     return regs;
+}
+
+// Ends a test's bus and tells what the program left open or claimed on it:
+// nothing when every open was closed and every claim released.
+inline QString closeBus(std::unique_ptr<zvsim::Testbed>& bus)
+{
+    const QString left = bus->unreleased();
+    bus.reset();
+    return left;
 }
 
 // The frames the host sent, in order.

@@ -86,6 +86,22 @@ private slots:
             auto* box = qobject_cast<QGroupBox*>(main->findWidget(n.first));
             QCOMPARE(box ? box->title() : "(no group box " + n.first + ")", n.second);
         }
+        // The group boxes of the expert windows, in the order of their forms.
+        for (const auto& w : QList<QPair<QString, QString>>{{"GrGenServ", "GrGenServ1 GrCFBLVDS GrROB GrChDMode"},
+                 {"GrSChA", "GrMoreEnable_A GrMoreAAD_A GrMoreSyn GrMoreVCO GrMoreSAS GrMoreStat GrMoreDCM_A "
+                            "GrMorePFD_A GrMoreLF_A GrMoreChanel_A GrMoreMixer_A GrMorePPF_A GrMoreIFA_A GrMoreLPF_A"},
+                 {"GrSChC", "GrSChC1 GrMoreEnable_C GrMoreAAD_C GrMoreSyn_C GrMoreVCO_C GrMoreSAS_C GrMoreStat_C "
+                            "GrMoreDCM_C GrMorePFD_C GrMoreLF_C GrMoreChanel_C GrMoreMixer_C GrMorePPF_C GrMoreIFA_C "
+                            "GrMoreLPF_C"},
+                 {"GrSChD", "GrSChD1 GrMoreEnable_D groupBox_10 Gr_moreVCO Gr_moreVCO0 Gr_moreVCO1 Gr_moreVCO2 "
+                            "Gr_moreDSAS Gr_moreDSAS1 Gr_moreDSAS2 Gr_moreDSAS3 groupBox_11 groupBox_14 Gr_moreDLF "
+                            "Gr_moreDChaSet groupBox_21 groupBox_5 groupBox_16 groupBox_17 groupBox_18 groupBox_15 "
+                            "groupBox_19 groupBox_20"}}) {
+            QStringList boxes;
+            for (const QGroupBox* box : main->windows.value(w.first)->findChildren<QGroupBox*>())
+                boxes << box->objectName();
+            QCOMPARE(boxes.join(' '), w.second);
+        }
         // The full text of a field's location is for tst_fieldkey to pin. No
         // two fields share a bit.
         QCOMPARE(map->registerCount, 291u);

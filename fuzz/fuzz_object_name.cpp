@@ -2,17 +2,15 @@
 // that gives a field starts with "ZV_" and yields a key whose last token is
 // its chip word (empty tokens included), with at least one position and one
 // width.
-#include "mapshow.h"
 #include "part.h"
 
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const QString name = QString::fromUtf8(reinterpret_cast<const char*>(data), int(size));
-    const std::unique_ptr<part> p(mapshow::ParseObjName(name));
+    const std::optional<part> p = parseFieldName(name);
     if (p && (!name.startsWith(QLatin1String("ZV_")) || p->name.section(QLatin1Char('_'), -1) != p->chip || p->positions.isEmpty()
               || p->widths.isEmpty()))
         std::abort();

@@ -1,8 +1,11 @@
 #include "MainClass.h"
+#include "catalogue.h"
 #include "mapshow.h"
 #include "part.h"
 #include "register_names.h"
 #include "testsupport.h"
+#include "ui_MainClass.h"
+#include "windows.h"
 
 #include <QtTest>
 
@@ -16,13 +19,15 @@
 #include <QPushButton>
 #include <QSpinBox>
 
-// Every window built as the program builds it, compared with the register
-// catalogue kept under tests/data.
+// The register catalogue kept under tests/data, the field catalogue made
+// from the forms at build time, and every window built as the program builds
+// it: the three agree.
 class tst_catalogue : public QObject
 {
     Q_OBJECT
 
-    QJsonObject catalogue;
+    QJsonObject tables;
+    const Catalogue& catalogue = Catalogue::instance();
     MainClass* main = nullptr;
     mapshow* map = nullptr;
 
@@ -32,9 +37,9 @@ private slots:
         zvTestInit();
         QFile file(QStringLiteral(ZV_TEST_DATA "/register_catalogue.json"));
         QVERIFY(file.open(QIODevice::ReadOnly));
-        catalogue = QJsonDocument::fromJson(file.readAll()).object();
-        QCOMPARE(catalogue.value("fields").toArray().size(), 618);
-        QCOMPARE(catalogue.value("expressions").toArray().size(), 103);
+        tables = QJsonDocument::fromJson(file.readAll()).object();
+        QCOMPARE(tables.value("fields").toArray().size(), 618);
+        QCOMPARE(tables.value("expressions").toArray().size(), 103);
         ModalCatcher catcher;
         main = new MainClass;
         QVERIFY2(catcher.texts.isEmpty(), qPrintable(catcher.texts.join(", ")));
@@ -44,83 +49,201 @@ private slots:
 
     void cleanupTestCase() { delete main; }
 
-    void fields()
+    // No widget is built for this.
+    void catalogueHoldsTheRegisterMap()
     {
-        const QMap<QString, QString> classOfKind = {{"check", "QCheckBox"}, {"combo", "QComboBox"},
-            {"spin", "QSpinBox"}, {"lamp", "QLabel"}, {"read", "QLineEdit"}};
-        QCOMPARE(map->parts.size(), 618);
+        const QMap<QString, FieldKind> kinds = {{"check", FieldKind::Check}, {"combo", FieldKind::Combo},
+            {"spin", FieldKind::Spin}, {"lamp", FieldKind::Bulb}, {"read", FieldKind::Readout}};
+        QCOMPARE(catalogue.fields().size(), 618);
+        QCOMPARE(catalogue.displays().size(), 103);
+        QCOMPARE(catalogue.registerCount(), 291u);
+        QCOMPARE(catalogue.chipName(), QStringLiteral("ZV4280v2"));
         int bits = 0;
-        for (const QJsonValue& v : catalogue.value("fields").toArray()) {
+        for (const QJsonValue& v : tables.value("fields").toArray()) {
             const QJsonObject f = v.toObject();
-            const QString key = f.value("name").toString() + "_ZV4280v2";
-            const part* p = map->parts.value(key);
-            QVERIFY2(p, qPrintable(key));
+            const QString key = f.value("name").toString() + "_ZV4280v2", form = f.value("form").toString();
+            const FieldEntry* e = catalogue.field(key);
+            QVERIFY2(e && catalogue.fieldByObjectName(e->objectName) == e, qPrintable(key));
+            const int position = f.value("reg").toInt() * 8 + 7 - f.value("msb").toInt(), width = f.value("width").toInt();
+            QCOMPARE(e->objectName, QStringLiteral("ZV_%1_%2_%3%4").arg(key).arg(position).arg(width)
+                                        .arg(f.value("inverted").toBool() ? "_I" : ""));
+            QCOMPARE(e->record.position, position);
+            QCOMPARE(e->record.width, width);
+            QCOMPARE(e->record.inverted, f.value("inverted").toBool());
+            QVERIFY2(e->kind == kinds.value(f.value("kind").toString()), qPrintable(key));
+            QCOMPARE(e->window, form == "MainClass" ? "mainWindow" : form);
+            QCOMPARE(QJsonArray::fromStringList(e->items), f.value("items").toArray());
+            if (!f.value("group").toString().isEmpty())
+                QCOMPARE(e->group, f.value("group").toString());
+            bits += width;
+        }
+        QCOMPARE(bits, 1714); // no two fields share a bit
+        for (const QJsonValue& v : tables.value("expressions").toArray()) {
+            const QJsonObject x = v.toObject();
+            const QString name = x.value("key").toString(), form = x.value("form").toString();
+            const DisplayEntry* d = catalogue.display(name.left(name.indexOf("_Expression")));
+            QVERIFY2(d && d->objectName == name, qPrintable(name));
+            QCOMPARE(d->window, form == "MainClass" ? "mainWindow" : form);
+            QCOMPARE(d->group, x.value("group").toString());
+            // Beside the spin box of its field, whose location its tooltip tells.
+            const FieldEntry* f = catalogue.field(d->key);
+            QVERIFY2(f && f->kind == FieldKind::Spin && f->display == name && d->tooltipOwner == f->objectName,
+                     qPrintable(name));
+        }
+        QVERIFY(!catalogue.field("ID") && catalogue.indexOf("ZV_ID_ZV4280v2_0_13") < 0
+                && !catalogue.fieldByObjectName("ID_ZV4280v2") && !catalogue.display("ID_ZV4280v2")
+                && !catalogue.caption("ID"));
+    }
+
+    // What the scan finds, and the windows built alone as their forms make
+    // them (the scan and the default state change ranges, the rules items).
+    void scanFindsTheCatalogue()
+    {
+        QWidget holder;
+        auto* mainAlone = new QMainWindow(&holder);
+        Ui::MainClass form;
+        form.setupUi(mainAlone);
+        QMap<QString, QWidget*> alone = {{"mainWindow", mainAlone}};
+        for (QWidget* w : QList<QWidget*>{new dockA(&holder), new dockB(&holder), new dockC(&holder),
+                 new dockD(&holder), new dockMain(&holder), new GrAllSS(&holder), new GrGenServ(&holder),
+                 new GrSChA(&holder), new GrSChB(&holder), new GrSChC(&holder), new GrSChD(&holder)})
+            alone.insert(w->objectName(), w);
+        auto twin = [&](const QString& window, const QString& name) {
+            return alone.contains(window) ? alone.value(window)->findChild<QWidget*>(name) : nullptr;
+        };
+        // The last child of the widget's parent whose object name holds `text`,
+        // as saved comments find a caption.
+        auto lastSibling = [](const QObject* w, const QString& text) {
+            const QObject* found = nullptr;
+            for (const QObject* c : w->parent()->children())
+                found = c->objectName().contains(text) ? c : found;
+            return found;
+        };
+        auto flag = [](bool b) { return QString::number(b); };
+        // Tab, group box title and name, own enabled state and the ancestors'.
+        auto where = [&](const QWidget* t) {
+            QString tab, group, groupName;
+            for (const QWidget* o = t->parentWidget(); o; o = o->parentWidget()) {
+                auto* box = qobject_cast<const QGroupBox*>(o);
+                if (box && groupName.isEmpty()) {
+                    group = box->title();
+                    groupName = box->objectName();
+                }
+                // A tab's page stands in the tab widget's stack.
+                auto* tabs = qobject_cast<QTabWidget*>(o->parentWidget() ? o->parentWidget()->parentWidget() : nullptr);
+                if (tabs && tab.isEmpty())
+                    tab = tabs->tabText(tabs->indexOf(const_cast<QWidget*>(o)));
+            }
+            return QStringList{tab, group, groupName, flag(!t->testAttribute(Qt::WA_ForceDisabled)),
+                               flag(t->parentWidget()->isEnabled())};
+        };
+
+        QStringList keys;
+        for (const FieldEntry& e : catalogue.fields())
+            keys << e.record.name;
+        QCOMPARE(keys, map->parts.keys());
+        for (const FieldEntry& e : catalogue.fields()) {
+            const part* p = map->parts.value(e.record.name);
             auto* w = static_cast<QWidget*>(p->widget);
-            const int reg = f.value("reg").toInt(), msb = f.value("msb").toInt();
-            QCOMPARE(w->objectName(), QStringLiteral("ZV_%1_%2_%3%4").arg(key).arg(f.value("position").toInt())
-                                          .arg(f.value("width").toInt()).arg(f.value("inverted").toBool() ? "_I" : ""));
-            QCOMPARE(QString(w->metaObject()->className()), classOfKind.value(f.value("kind").toString()));
-            QCOMPARE(p->position, reg * 8 + 7 - msb);
-            QCOMPARE(p->width, f.value("width").toInt());
-            bits += p->width;
-            QCOMPARE(p->inverted, f.value("inverted").toBool());
-            QVERIFY2(main->windows.value(f.value("form").toString(), main)->isAncestorOf(w), qPrintable(key));
-            if (auto* combo = qobject_cast<QComboBox*>(w)) {
-                QJsonArray items;
+            const QByteArray key = e.record.name.toLatin1();
+            QCOMPARE(w->objectName(), e.objectName);
+            QVERIFY2(p->positions == e.record.positions && p->widths == e.record.widths
+                         && p->inverted == e.record.inverted && p->chip == e.record.chip, key);
+            QVERIFY2(fieldKindOf(w->metaObject()->className()) == e.kind, key);
+            QVERIFY2(main->windows.value(e.window)->isAncestorOf(w), key);
+            QCOMPARE(w->toolTip(), buildToolTip(e.record));
+            if (e.kind == FieldKind::Spin) // the field's width bounds it, not the box
+                QCOMPARE(w->property("maximum").toInt(), 2147483647);
+
+            const QWidget* t = twin(e.window, e.objectName);
+            QVERIFY2(t, key);
+            QCOMPARE(where(t), (QStringList{e.tab, e.group, e.groupName, flag(e.enabled), flag(e.ancestorsEnabled)}));
+            const QObject* caption = lastSibling(t, e.record.name.left(e.record.name.lastIndexOf('_')) + "LabelG");
+            QCOMPARE(caption ? caption->property("text").toString() : QString(), e.caption);
+            const QObject* display = lastSibling(t, e.record.name + "_Expression");
+            QCOMPARE(display ? display->objectName() : QString(), e.display);
+            QCOMPARE(e.kind == FieldKind::Check ? t->property("text").toString() : QString(), e.checkText);
+            QStringList items;
+            if (auto* combo = qobject_cast<const QComboBox*>(t))
                 for (int i = 0; i < combo->count(); ++i)
                     items << combo->itemText(i);
-                QCOMPARE(QJsonValue(items), f.value("items"));
-            }
-            if (auto* spin = qobject_cast<QSpinBox*>(w)) // the binding keeps the field's bound
-                QCOMPARE(spin->maximum(), 2147483647);
-            QVERIFY2(w->toolTip().startsWith(QStringLiteral("Reg%1 <D%2").arg(reg).arg(msb)), qPrintable(key));
-            const QGroupBox* box = nullptr;
-            for (QObject* o = w->parent(); o && !box; o = o->parent())
-                box = qobject_cast<QGroupBox*>(o);
-            if (!f.value("group").toString().isEmpty())
-                QCOMPARE(box ? box->title() : "(no group box)", f.value("group").toString());
+            QCOMPARE(items, e.items);
+            if (auto* spin = qobject_cast<const QSpinBox*>(t))
+                QCOMPARE(QPair(spin->minimum(), spin->maximum()), QPair(e.minimum, e.maximum));
         }
+
+        int displays = 0, shown = 0;
+        for (auto it = main->outputs.cbegin(); it != main->outputs.cend(); ++it) {
+            auto* w = qobject_cast<QLineEdit*>(it.value()->widget);
+            const QByteArray key = it.key().toLatin1();
+            if (!it.value()->widget->objectName().endsWith("_Expression")) { // a field that only shows
+                const FieldEntry* f = catalogue.field(it.key());
+                QVERIFY2(f && (f->kind == FieldKind::Bulb || f->kind == FieldKind::Readout), key);
+                ++shown;
+                continue;
+            }
+            ++displays;
+            const DisplayEntry* d = catalogue.display(it.key());
+            QVERIFY2(w && w->isReadOnly() && d && d->objectName == w->objectName(), key);
+            const std::optional<part> owner = parseFieldName(d->tooltipOwner);
+            QCOMPARE(w->toolTip(), owner ? buildToolTip(*owner) : QString());
+            const QWidget* t = twin(d->window, d->objectName);
+            QVERIFY2(t && t->property("text").toString() == d->text, key);
+            QStringList place = where(t);
+            place.removeAt(2);
+            QCOMPARE(place, (QStringList{d->tab, d->group, flag(d->enabled), flag(d->ancestorsEnabled)}));
+        }
+        QCOMPARE(displays, catalogue.displays().size());
+        QCOMPARE(shown, 78);
+
+        int captions = 0;
+        for (const QWidget* window : qAsConst(alone))
+            for (const QObject* o : window->findChildren<QObject*>())
+                captions += o->objectName().endsWith("LabelG") || o->objectName().endsWith("Lab");
+        QCOMPARE(catalogue.captions().size(), captions);
+        for (const CaptionEntry& c : catalogue.captions()) {
+            const QWidget* t = twin(c.window, c.objectName);
+            QVERIFY2(t && t->property("text").toString() == c.text && where(t).at(3) == flag(c.enabled)
+                         && catalogue.caption(c.objectName) == &c, qPrintable(c.objectName));
+        }
+
         for (const auto& n : QList<QPair<QString, QString>>{{"GrMoreEnable_A", "Block enable"}, {"GrMoreLPF_A", "LPF"},
                  {"GrMoreChanel_A", "Channel"}, {"GrSChD1", "+"}, {"GrMoreEnable_D", "Block Enable"},
                  {"GrChDMode", "Chanel D Packet Mode Enables"}, {"GR_ChDESS", "ChD"}}) {
             auto* box = qobject_cast<QGroupBox*>(main->findWidget(n.first));
             QCOMPARE(box ? box->title() : "(no group box " + n.first + ")", n.second);
         }
-        // The full text of a field's location is for tst_fieldkey to pin. No
-        // two fields share a bit.
-        QCOMPARE(map->registerCount, 291u);
-        QCOMPARE(bits, 1714);
-        QCOMPARE(map->bitOwners.size(), 1714);
-    }
-
-    void displaysAndOutputs()
-    {
-        for (const QJsonValue& v : catalogue.value("expressions").toArray()) {
-            const QString name = v.toObject().value("key").toString(), key = name.left(name.indexOf("_Expression"));
-            auto* edit = qobject_cast<QLineEdit*>(main->findWidget(name));
-            QVERIFY2(edit && edit->isReadOnly(), qPrintable(name));
-            const part* p = map->parts.value(key);
-            QVERIFY2(p && qobject_cast<QSpinBox*>(p->widget), qPrintable(key));
-            QCOMPARE(edit->parent(), p->widget->parent());
-            QCOMPARE(edit->toolTip(), static_cast<QWidget*>(p->widget)->toolTip());
-            QVERIFY2(main->outputs.contains(key) && main->outputs[key]->widget == edit, qPrintable(key));
+        // The group boxes of the expert windows, in the order of their forms.
+        for (const auto& w : QList<QPair<QString, QString>>{{"GrGenServ", "GrGenServ1 GrCFBLVDS GrROB GrChDMode"},
+                 {"GrSChA", "GrMoreEnable_A GrMoreAAD_A GrMoreSyn GrMoreVCO GrMoreSAS GrMoreStat GrMoreDCM_A "
+                            "GrMorePFD_A GrMoreLF_A GrMoreChanel_A GrMoreMixer_A GrMorePPF_A GrMoreIFA_A GrMoreLPF_A"},
+                 {"GrSChC", "GrSChC1 GrMoreEnable_C GrMoreAAD_C GrMoreSyn_C GrMoreVCO_C GrMoreSAS_C GrMoreStat_C "
+                            "GrMoreDCM_C GrMorePFD_C GrMoreLF_C GrMoreChanel_C GrMoreMixer_C GrMorePPF_C GrMoreIFA_C "
+                            "GrMoreLPF_C"},
+                 {"GrSChD", "GrSChD1 GrMoreEnable_D groupBox_10 Gr_moreVCO Gr_moreVCO0 Gr_moreVCO1 Gr_moreVCO2 "
+                            "Gr_moreDSAS Gr_moreDSAS1 Gr_moreDSAS2 Gr_moreDSAS3 groupBox_11 groupBox_14 Gr_moreDLF "
+                            "Gr_moreDChaSet groupBox_21 groupBox_5 groupBox_16 groupBox_17 groupBox_18 groupBox_15 "
+                            "groupBox_19 groupBox_20"}}) {
+            QStringList boxes;
+            for (const QGroupBox* box : main->windows.value(w.first)->findChildren<QGroupBox*>())
+                boxes << box->objectName();
+            QCOMPARE(boxes.join(' '), w.second);
         }
-        QMap<QString, int> kinds;
-        for (const part* p : qAsConst(main->outputs))
-            ++kinds[p->widget->objectName().endsWith("_Expression") ? "display" : p->widget->metaObject()->className()];
-        QCOMPARE(kinds, (QMap<QString, int>{{"display", 103}, {"QLabel", 32}, {"QLineEdit", 46}}));
+        QCOMPARE(map->registerCount, catalogue.registerCount());
+        QCOMPARE(map->bitOwners.size(), 1714);
     }
 
     void defaultState()
     {
         for (const QString key : {"ChA_LNA1_EN_st", "ChA_AAD_WORK", "ChB_AAD_WORK", "ChC_LNA1_EN_st", "ChD_IFA_I_GCst"})
             QVERIFY2(static_cast<QWidget*>(map->parts.value(key + "_ZV4280v2")->widget)->isHidden(), qPrintable(key));
-        for (const char* name : {"ChD_IFA_I_GCLabelG", "ChD_IFA_Q_GCLabelG", "ChD_IFA_I_GCstLabelG",
-                                 "ChD_IFA_Q_GCstLabelG", "ButtonGrSChA", "ButtonGrSChD", "ButtonGrGenServ"})
+        for (const char* name : {"ButtonGrSChA", "ButtonGrSChD", "ButtonGrGenServ"})
             QVERIFY2(main->findWidget(name) && main->findWidget(name)->isHidden(), name);
+        for (const char* name : {"ChD_IFA_I_GCLabelG", "ChD_IFA_Q_GCLabelG", "ChD_IFA_I_GCstLabelG",
+                                 "ChD_IFA_Q_GCstLabelG", "ButtonGrAllSS"}) // channel D's gains keep their captions
+            QVERIFY2(main->findWidget(name) && !main->findWidget(name)->isHidden(), name);
         QVERIFY(!main->findWidget("ZV_TS_code_ZV4280v2_38_10")->isEnabled());
         QCOMPARE(static_cast<QSpinBox*>(main->findWidget("ZV_PLL_CDiv_ZV4280v2_88_8"))->minimum(), 4);
-        QVERIFY(!main->findWidget("ButtonGrAllSS")->isHidden());
     }
 
     void windowsOpenAndClose()

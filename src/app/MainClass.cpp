@@ -245,17 +245,12 @@ void MainClass::setDefaultState()
     hideNamed("ZV_ChD_IFA_Q_GCst_ZV4280v2_679_9");
     if (QWidget* w = findWidget(QStringLiteral("ZV_PLL_CDiv_ZV4280v2_88_8")))
         w->setProperty("minimum", 4);
-    hideNamed("ChD_IFA_I_GCLabelG");
 
     for (const char* name : {"ZV_AOK_ZV4280v2_19_1", "ZV_ChA_AOK_ZV4280v2_20_1", "ZV_ChB_AOK_ZV4280v2_21_1",
                              "ZV_ChC_AOK_ZV4280v2_22_1", "ZV_ChD_AOK_ZV4280v2_23_1"}) {
         if (QWidget* w = findWidget(QLatin1String(name)))
             w->installEventFilter(this);
     }
-
-    hideNamed("ChD_IFA_Q_GCstLabelG");
-    hideNamed("ChD_IFA_I_GCstLabelG");
-    hideNamed("ChD_IFA_Q_GCLabelG");
 
     lastPath = QDir::currentPath();
 }

@@ -1,16 +1,17 @@
-#include "mapshow.h"
+// Field names and register locations, QtCore only: the program and the
+// catalogue's generator share them.
 #include "part.h"
 
 #include <QStringList>
 
 // Field names are read from the end: [mark] width position chip words... "ZV".
-part* mapshow::ParseObjName(const QString& name)
+std::optional<part> parseFieldName(const QString& name)
 {
     if (name.isEmpty())
-        return nullptr;
+        return std::nullopt;
     const QStringList tokens = name.split(QLatin1Char('_'));
     if (tokens.first() != QLatin1String("ZV"))
-        return nullptr;
+        return std::nullopt;
 
     int cursor = tokens.size() - 1;
     const bool inverted = tokens.at(cursor).contains(QLatin1Char('I'));
@@ -19,9 +20,9 @@ part* mapshow::ParseObjName(const QString& name)
     // Behind "ZV" there must be at least a chip word, a position and a width;
     // the chip word is whatever stands two before the width.
     if (cursor < 3)
-        return nullptr;
+        return std::nullopt;
 
-    part* p = new part;
+    std::optional<part> p(std::in_place);
     p->inverted = inverted;
     const QString& widthToken = tokens.at(cursor);
     p->joined = widthToken.contains(QLatin1Char('p'));

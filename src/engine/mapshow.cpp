@@ -5,6 +5,12 @@
 
 // The data side of the map window: the images and the bit operations.
 
+part* mapshow::ParseObjName(const QString& name)
+{
+    std::optional<part> p = parseFieldName(name);
+    return p ? new part(std::move(*p)) : nullptr;
+}
+
 int mapshow::getBit(const quint8* image, qint32 position) const
 {
     return (image[position / qint32(bitsPerRegister)] >> (7 - position % qint32(bitsPerRegister))) & 1;

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QVector>
 
+#include <optional>
+
 // One register field, as its widget's object name defines it:
 // ZV_<words>_<chip>_<positions>_<widths>[_I]. The record made by the scan
 // of the main window lives to the end of the process.
@@ -19,6 +21,10 @@ struct part
     QVector<quint32> widths;    // width of each segment
     QVector<quint32> positions; // first bit position of each segment
 };
+
+// The field an object name defines, or nothing when the name is no field
+// name. QtCore only: the catalogue's generator reads the forms with it.
+std::optional<part> parseFieldName(const QString& objectName);
 
 // Register location of a field, e.g. "Reg21 <D4-D0>" or
 // "Reg17 <D6-D0>,Reg18 <D7-D0>,Reg19 <D7-D0>".

@@ -1,7 +1,7 @@
 // The forms' state without widgets, and the frame of every field change.
 #include "form_model.h"
 
-#include "field_rules.h"
+#include "values/field_rules.h"
 #include "register_images.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // The chain of rules behind every field change, on the forms' state.
 #include "field_rules.h"
 
-#include "form_model.h"
-#include "register_images.h"
-#include "tables.h"
+#include "engine/form_model.h"
+#include "engine/register_images.h"
+#include "values/tables.h"
 
 #include <QVarLengthArray>
 

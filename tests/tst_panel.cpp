@@ -1,5 +1,5 @@
 #include "service_block.h"
-#include "testbed.h"
+#include "boardsupport.h"
 #include "testsupport.h"
 #include "usb_link.h"
 #include <QtTest>
@@ -82,21 +82,41 @@ private slots:
         }
     }
 
+    // The register buttons: with no board a message; with one, Read shows
+    // the register's value and Write sends the value of the bit boxes.
+    void registerButtons_data()
+    {
+        QTest::addColumn<int>("reg");
+        QTest::addColumn<int>("held");  // by the chip
+        QTest::addColumn<int>("asked"); // in the bit boxes
+        QTest::newRow("register 120") << 120 << 0x1D << 0xB4;
+        QTest::newRow("register 290") << 290 << 0x61 << 0x0E;
+    }
     void registerButtons()
     {
+        QFETCH(int, reg);
+        QFETCH(int, held);
+        QFETCH(int, asked);
         ModalCatcher catcher;
         auto* value = w<QSpinBox>("SpinRegisterValue");
         auto click = [this](const char* n) { w<QPushButton>(n)->click(); };
-        value->setValue(0x21);
+        auto setBits = [this, asked] {
+            for (int b = 0; b < 8; ++b)
+                w<QCheckBox>(QString("cbxRegByte%1").arg(b))->setChecked(asked & (1 << b));
+        };
+        setBits();
         click("ButtonReadRegister"), click("ButtonWriteRegister");
-        QCOMPARE(value->value(), 0x21);
-        bus->chip(bus->addBoard()).setReg(120, 0x3C);
-        w<QSpinBox>("flag_RegisterNumber")->setValue(120);
+        QCOMPARE(value->value(), asked);
+        QCOMPARE(catcher.texts, QStringList({"USB interface error 0", "USB interface error " + QString::number(asked)}));
+        bus->chip(bus->addBoard()).setReg(reg, quint8(held));
+        w<QSpinBox>("flag_RegisterNumber")->setValue(reg);
         click("ButtonReadRegister");
-        QCOMPARE(value->value(), 0x3C);
-        value->setValue(0xC3), click("ButtonWriteRegister");
-        QCOMPARE(int(bus->chip(0).reg(120)), 0xC3);
-        QCOMPARE(catcher.texts, QStringList({"USB interface error 0", "USB interface error 33"}));
+        QCOMPARE(value->value(), held);
+        setBits();
+        bus->clearWireLog();
+        click("ButtonWriteRegister");
+        QCOMPARE(sentFrames(*bus), QList<QByteArray>({QByteArray::fromHex("1503") + char(reg >> 8) + char(reg) + char(asked)}));
+        QCOMPARE(catcher.texts.size(), 2);
     }
 
     // Landing on a hidden interface would cut the bench off the board unseen.

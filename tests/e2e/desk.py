@@ -214,7 +214,6 @@ class Desk:
 
     def screenshot(self, path, wid=None):
         self.run(["import", "-window", wid or "root", path])
-        return path
 
     # -- widgets over AT-SPI -------------------------------------------------
 
@@ -288,12 +287,9 @@ class Desk:
     def checked(self, acc):
         return acc.getState().contains(self.atspi.STATE_CHECKED)
 
-    def centre(self, acc):
-        box = acc.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
-        return box.x + box.width // 2, box.y + box.height // 2
-
     def click_on(self, acc):
-        self.click(*self.centre(acc))
+        box = acc.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
+        self.click(box.x + box.width // 2, box.y + box.height // 2)
 
     def colour(self, acc, left=0.0, right=1.0):
         """The mean colour of a widget as it stands on the screen, over the

@@ -96,23 +96,20 @@ class Bench:
         self.desk.focus(window or self.program.main)
         self.desk.click_on(acc)
 
-    def answer_file_dialog(self, title, path):
-        """Types the full path into the file dialog and accepts it."""
-        title = "^" + re.escape(title) + "$"
-        self.desk.focus(self.desk.window(title))
-        self.desk.key("ctrl+a")
-        self.desk.type(path)
-        self.desk.key("Return")
-        wait_for(f"the dialog {title} to close", lambda: not self.desk.windows(title))
-
     def run(self, *keys, window=None, dialog=None, message=None):
         """Function keys pressed in a window (the main window by default) that
-        start one operation, its file dialog answered with (title, path), the
-        box of its failure checked and closed, and the end of the operation."""
+        start one operation, its file dialog answered with (title, path) by
+        typing the path, the box of its failure checked and closed, and the
+        end of the operation."""
         with self.program.operation():
             self.desk.key(*keys, window=window or self.program.main)
             if dialog:
-                self.answer_file_dialog(*dialog)
+                title = "^" + re.escape(dialog[0]) + "$"
+                self.desk.focus(self.desk.window(title))
+                self.desk.key("ctrl+a")
+                self.desk.type(dialog[1])
+                self.desk.key("Return")
+                wait_for(f"the dialog {title} to close", lambda: not self.desk.windows(title))
             if message:
                 self.program.close_message(message)
 

@@ -24,7 +24,7 @@ private slots:
         ModalCatcher catcher;
         MainClass window;
         QVERIFY(waitIdle(&window));
-        QTRY_COMPARE(catcher.texts, QStringList({"\".hex\" file is not available"}));
+        QCOMPARE(catcher.texts, QStringList({"\".hex\" file is not available"}));
         mapshow* map = window.firstMap();
         for (const part* p : map->parts) {
             if (auto* spin = qobject_cast<QSpinBox*>(p->widget))

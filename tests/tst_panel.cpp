@@ -1,5 +1,5 @@
 #include "service_block.h"
-#include "testbed.h"
+#include "boardsupport.h"
 #include "testsupport.h"
 #include "usb_link.h"
 #include <QtTest>
@@ -82,6 +82,8 @@ private slots:
         }
     }
 
+    // With no board the register buttons show a message; with one, Read
+    // shows the register's value and Write sends the value of the bit boxes.
     void registerButtons()
     {
         ModalCatcher catcher;
@@ -90,13 +92,20 @@ private slots:
         value->setValue(0x21);
         click("ButtonReadRegister"), click("ButtonWriteRegister");
         QCOMPARE(value->value(), 0x21);
-        bus->chip(bus->addBoard()).setReg(120, 0x3C);
-        w<QSpinBox>("flag_RegisterNumber")->setValue(120);
-        click("ButtonReadRegister");
-        QCOMPARE(value->value(), 0x3C);
-        value->setValue(0xC3), click("ButtonWriteRegister");
-        QCOMPARE(int(bus->chip(0).reg(120)), 0xC3);
         QCOMPARE(catcher.texts, QStringList({"USB interface error 0", "USB interface error 33"}));
+        zvsim::SimulatedChip& chip = bus->chip(bus->addBoard());
+        for (auto [reg, held, asked] : {std::tuple{120, 0x1D, 0xB4}, {290, 0x61, 0x0E}}) {
+            chip.setReg(reg, quint8(held));
+            w<QSpinBox>("flag_RegisterNumber")->setValue(reg);
+            click("ButtonReadRegister");
+            QCOMPARE(value->value(), held);
+            for (int b = 0; b < 8; ++b)
+                w<QCheckBox>(QString("cbxRegByte%1").arg(b))->setChecked(asked & (1 << b));
+            bus->clearWireLog();
+            click("ButtonWriteRegister");
+            QCOMPARE(sentFrames(*bus), QList<QByteArray>({QByteArray::fromHex("1503") + char(reg >> 8) + char(reg) + char(asked)}));
+        }
+        QCOMPARE(catcher.texts.size(), 2);
     }
 
     // Landing on a hidden interface would cut the bench off the board unseen.

@@ -231,6 +231,7 @@ void MainClass::setDefaultState()
     ui->toolBar_RegWindow->actions().last()->setVisible(false);
 
     worker = nullptr;
+    showOperationCount();
 
     if (mapshow* map = firstMap()) {
         for (const char* key : {"ChA_LNA1_EN_st_ZV4280v2", "ChA_AAD_WORK_ZV4280v2", "ChB_LNA1_EN_st_ZV4280v2",

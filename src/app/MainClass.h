@@ -48,6 +48,12 @@ public:
     QPointer<clerk> worker;
     bool running = false;
     int runningCommand = 0;
+    // Operations started, and ended with their end message dealt with. The
+    // window tells both to accessibility tools as its description
+    // ("operations: 3 started, 3 ended"), so that a script driving it sees
+    // when what it started is over.
+    int operationsStarted = 0;
+    int operationsEnded = 0;
     QProgressBar* progressBar = nullptr;
 
     // The first register map, which all map-wide operations serve.
@@ -96,6 +102,8 @@ private:
     // Asks the running operation to stop; false when none runs.
     bool stopRunning();
     void startOperation(int command, const QString& fileName = QString());
+    void endOperation();
+    void showOperationCount();
     QString askFile(bool save, const QString& caption, bool keepFolder = true);
     void openFileFor(int command);
     void pushImage(mapshow* map);

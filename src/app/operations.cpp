@@ -61,6 +61,8 @@ void MainClass::startOperation(int command, const QString& fileName)
     progressAction()->setVisible(true);
     running = true;
     runningCommand = command;
+    ++operationsStarted;
+    showOperationCount();
     worker = newWorker(command, fileName);
     connect(worker, &clerk::percent_up, progressBar, &QProgressBar::setValue);
     connect(worker, &clerk::error_mess, this, &MainClass::error_message);
@@ -165,11 +167,9 @@ void MainClass::error_message(QString m)
         // The box waits for the user; until it closes the operation counts
         // as running, so a repeat-read timer that fires behind it only stops.
         showModal(m);
-        progressAction()->setVisible(false);
         if (ui->action_ICGUI->isChecked())
             ui->action_ICGUI->setChecked(false);
-        worker = nullptr;
-        running = false;
+        endOperation();
         return;
     }
 
@@ -187,9 +187,23 @@ void MainClass::error_message(QString m)
     }
     progressBar->setValue(100);
     map->refreshRegisterView();
+    endOperation();
+}
+
+void MainClass::endOperation()
+{
     progressAction()->setVisible(false);
     worker = nullptr;
     running = false;
+    ++operationsEnded;
+    showOperationCount();
+}
+
+// Not translated: it is for scripts, which read it as it stands.
+void MainClass::showOperationCount()
+{
+    setAccessibleDescription(
+        QStringLiteral("operations: %1 started, %2 ended").arg(operationsStarted).arg(operationsEnded));
 }
 
 void MainClass::showOperationResult(int command)

@@ -2,6 +2,7 @@
 # bus, the real program on a simulated board, and the ways a person reads its
 # windows (texts over AT-SPI, screenshots) and drives them (keys and clicks).
 
+import contextlib
 import ctypes
 import os
 import re
@@ -213,7 +214,6 @@ class Desk:
 
     def screenshot(self, path, wid=None):
         self.run(["import", "-window", wid or "root", path])
-        return path
 
     # -- widgets over AT-SPI -------------------------------------------------
 
@@ -287,12 +287,9 @@ class Desk:
     def checked(self, acc):
         return acc.getState().contains(self.atspi.STATE_CHECKED)
 
-    def centre(self, acc):
-        box = acc.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
-        return box.x + box.width // 2, box.y + box.height // 2
-
     def click_on(self, acc):
-        self.click(*self.centre(acc))
+        box = acc.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
+        self.click(box.x + box.width // 2, box.y + box.height // 2)
 
     def colour(self, acc, left=0.0, right=1.0):
         """The mean colour of a widget as it stands on the screen, over the
@@ -364,6 +361,10 @@ class Program:
             pipe.write(command + "\n")
         wait_for(f'the launcher to answer "{answer}"', lambda: self.output().count("zvsim-launch: " + answer) > seen)
 
+    def set_register(self, reg, value):
+        """Sets a register of the simulated chip."""
+        self.board(f"set {reg} {value:02x}", f"register {reg} set")
+
     def chip(self):
         """The registers the simulated chip holds now."""
         path = os.path.join(self.desk.tmp, "chip.hex")
@@ -372,40 +373,58 @@ class Program:
         self.board("dump " + path, "dumped the registers")
         return read_hex(path)
 
-    # -- what the program says -----------------------------------------------
+    # -- what the program says and does ------------------------------------
 
     def output(self):
         with open(self.log, encoding="utf-8", errors="replace") as f:
             return f.read()
 
-    def warnings(self):
-        """Lines on stdout and stderr that did not come from the launcher:
-        Qt's warnings ("QObject::connect: ...", "QWidget::...", "QLayout:
-        ...") among them."""
-        return [line for line in self.output().splitlines() if line.strip() and not LAUNCHER_LINE.match(line)]
-
     def check_quiet(self):
-        lines = self.warnings()
+        """Nothing on stdout and stderr but the launcher's answers: no Qt
+        warning ("QObject::connect: ...", "QWidget::...") among them."""
+        lines = [line for line in self.output().splitlines() if line.strip() and not LAUNCHER_LINE.match(line)]
         check(not lines, "the program wrote on its output:\n  " + "\n  ".join(lines[:20]))
 
-    def idle(self, timeout=30.0):
-        """Waits for the end of the running operation: the progress bar has
-        gone from the toolbar."""
-        wait_for("the end of the operation",
-                 lambda: not self.desk.find_all(self.frame, lambda a: a.getRoleName() == "progress bar"
-                                                and self.desk.showing(a)), timeout)
+    def operations(self):
+        """(started, ended): the operations the program counts, as its main
+        window tells accessibility tools. One ends once its end message has
+        been dealt with, a failure's box closed."""
+        m = re.fullmatch(r"operations: (\d+) started, (\d+) ended", self.frame.description)
+        check(m, f"the main window tells no count of operations: {self.frame.description!r}")
+        return int(m.group(1)), int(m.group(2))
 
-    def message(self, timeout=15.0):
-        """The text of the message box that the program shows."""
-        def box():
-            for i in range(self.app.childCount):
-                w = self.app.getChildAtIndex(i)
-                if w is not None and w.getRoleName() in ("alert", "dialog") and self.desk.showing(w):
-                    labels = self.desk.find_all(w, lambda a: a.getRoleName() == "label" and a.name)
-                    if labels:
-                        return w, labels[0].name
-            return None
-        return wait_for("a message box", box, timeout)
+    def idle(self, timeout=30.0):
+        """Waits until every operation started has ended."""
+        wait_for("the end of the running operation", lambda: len(set(self.operations())) == 1, timeout)
+
+    @contextlib.contextmanager
+    def operation(self, timeout=30.0):
+        """Around the steps that start one operation (a key, a file dialog
+        answered, a failure's box closed): waits for its end, with no other
+        one running."""
+        ended = self.operations()[1]
+        yield
+        wait_for("the end of the operation", lambda: (lambda s, e: e > ended and s == e)(*self.operations()), timeout)
+
+    def windows(self):
+        """The accessibles of the program's showing top-level windows."""
+        return [w for w in (self.app.getChildAtIndex(i) for i in range(self.app.childCount))
+                if w is not None and self.desk.showing(w)]
+
+    def boxes(self):
+        """The texts of the message boxes on screen."""
+        return [label.name for w in self.windows() if w.getRoleName() in ("alert", "dialog")
+                for label in self.desk.find_all(w, lambda a: a.getRoleName() == "label" and a.name)[:1]]
+
+    def close_message(self, expected):
+        """Waits for the message box, checks its text and closes it with Enter."""
+        text = wait_for("a message box", self.boxes)[0]
+        check(text == expected, f"the message reads {text!r}, not {expected!r}")
+        self.desk.key("Return")
+        wait_for("the message box to close", lambda: not self.boxes())
+
+    def check_no_message(self):
+        check(not self.boxes(), "a message box is open: " + ", ".join(self.boxes()))
 
     def stop(self):
         stop(self.proc)

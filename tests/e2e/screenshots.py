@@ -27,14 +27,12 @@ def main():
         setattr(args, name, os.path.abspath(getattr(args, name)))
     os.makedirs(args.outdir, exist_ok=True)
 
-    bench = Bench(args)
-    desk = bench.desk
-    try:
+    with Bench(args) as bench:
+        desk = bench.desk
         for reg, value in CHIP.items():
-            bench.program.board(f"set {reg} {value:02x}", f"register {reg} set")
+            bench.program.set_register(reg, value)
         bench.read_chip()
-        bench.wait_shown("text", CHIP_ID, "4280")
-        bench.wait_shown("spin button", C_DIVIDER, "8")
+        bench.check_shown({CHIP_ID: "4280", C_DIVIDER: "8"})
         desk.focus(bench.program.main)
         desk.screenshot(os.path.join(args.outdir, "main-window.png"), bench.program.main)
 
@@ -44,7 +42,7 @@ def main():
 
         panel_wid, panel = bench.open_window("Service settings", PANEL_TITLE)
         bench.click(desk.named(panel, "push button", "Search"), panel_wid)
-        devices = desk.find(panel, "the device box", lambda a: a.getRoleName() == "combo box" and a.name != "Atmel")
+        devices = bench.device_box(panel)
         wait_for("the board in the device box", lambda: devices.name.startswith("2976 "))
         # A full save with comments for the README's excerpt.
         for name in ("Changes only", "Add comments"):
@@ -52,14 +50,9 @@ def main():
         desk.focus(panel_wid)
         desk.screenshot(os.path.join(args.outdir, "service-panel.png"), panel_wid)
         saved = os.path.join(desk.tmp, "example.hex")
-        bench.key("F6")
-        bench.answer_file_dialog("Save .hex", saved)
-        wait_for("the saved file", lambda: os.path.exists(saved))
-        bench.program.idle()
+        bench.run("F6", dialog=("Save .hex", saved))
         with open(saved, encoding="utf-8") as f:
             sys.stdout.write(f.read())
-    finally:
-        bench.close()
     return 0
 
 

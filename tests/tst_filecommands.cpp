@@ -85,12 +85,11 @@ private slots:
     void cleanupTestCase() { delete main; }
 
     // Each section goes to the chip as one block, in file order, after a
-    // pause of its own; a register may be written twice. Register -1 is a
-    // pause as a map line is.
+    // pause of its own; a register may be written twice.
     void fileToChipInSections()
     {
         write(path("two.hex"),
-              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\nReg-1\t05\nReg32\t44\n");
+              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\n;ZV4280v2\nReg32\t44\n");
         set("writePause", 60);
         bus->clearWireLog();
         QElapsedTimer clock;

@@ -242,7 +242,7 @@ void usb_link::releaseBoard()
 
 bool usb_link::addressesFit(int first, int last)
 {
-    const int outside = first < 0 ? first : last;
+    const int outside = first < 0 ? first : qMax(first, kLastAddress + 1);
     if (first >= 0 && last <= kLastAddress)
         return true;
     QMutexLocker guard(&lock);

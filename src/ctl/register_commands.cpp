@@ -125,7 +125,6 @@ int RegisterCommands::set(const QString& registerText, const QString& valueText)
 
 QString RegisterCommands::transferDetail() const
 {
-    const QString refusal = session.link().refusal();
-    const QString failure = refusal.isEmpty() ? session.link().transferFailure() : refusal;
+    const QString failure = session.link().reason();
     return failure.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(failure);
 }

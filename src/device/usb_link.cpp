@@ -227,6 +227,12 @@ QString usb_link::refusal() const
     return refused;
 }
 
+QString usb_link::reason() const
+{
+    QMutexLocker guard(&lock);
+    return refused.isEmpty() ? failure : refused;
+}
+
 void usb_link::holdBoard()
 {
     QMutexLocker guard(&lock);

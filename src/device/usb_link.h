@@ -63,6 +63,9 @@ public:
     // bus shows one: "the board is in use by another program", "the board
     // changed"; empty otherwise.
     QString refusal() const;
+    // The refusal, else the transfer failure: why the last register
+    // operation failed, in a few words; empty when it found no board.
+    QString reason() const;
 
     // An operation of several steps holds the board: from holdBoard() on,
     // every register operation goes to the board (bus and address) that the

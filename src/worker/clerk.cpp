@@ -108,9 +108,3 @@ QString clerk::statusOrInterfaceError() const
     const QString advice = link()->currentStatusText();
     return advice.isEmpty() ? tr("Interface error 5 ") : advice;
 }
-
-QString clerk::linkReason() const
-{
-    const QString refusal = link()->refusal();
-    return refusal.isEmpty() ? link()->transferFailure() : refusal;
-}

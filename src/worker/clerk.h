@@ -76,9 +76,6 @@ private:
     // The end text of a failed register operation.
     QString interfaceError() const;
     QString statusOrInterfaceError() const;
-    // What the link says of its last failure, in a few words ("the board
-    // changed", "LIBUSB_ERROR_PIPE"); empty when it found no board.
-    QString linkReason() const;
     // The lines of fileName for a load; an end text when the file is none
     // a load takes.
     QString readSettings(QStringList* lines) const;

@@ -80,7 +80,7 @@ QString clerk::fileToChip()
         registers += entries[size_t(i)].address >= 0 ? 1 : 0;
     }
     auto partWay = [&](const QString& first) {
-        const QString reason = linkReason();
+        const QString reason = link()->reason();
         return first + QLatin1Char('\n')
                + QStringLiteral("sections %1 of %2 written (%3 of %4 registers)")
                      .arg(sectionsSent).arg(sections).arg(sent).arg(registers)
@@ -144,7 +144,7 @@ QString clerk::chipToFile()
     for (mapshow* map : qAsConst(maps)) {
         QByteArray registers(int(map->registerCount), 0);
         if (!link()->readAuto(0, registers.size(), reinterpret_cast<quint8*>(registers.data())))
-            return tr("WINUSB: USB interface error ") + linkReason();
+            return tr("WINUSB: USB interface error ") + link()->reason();
         emit percent_up(50);
         if (!file.write(HexWriter::chipText(map->chipName, registers)))
             break;

@@ -58,8 +58,8 @@ bool digitsOnly(const QStringRef& text, int base)
 // dropped anywhere in the line, and the first two pieces are the register
 // number (decimal) and the value (hexadecimal). A piece that is no number,
 // or too big a number, counts as 0; the value keeps its low 8 bits.
-// A negative number reads as it stands: file to chip takes -1 for a pause
-// and sends the others as they are; file to GUI has no place for them.
+// A negative number reads as it stands; file to GUI has no place for it, and
+// file to chip takes no line that chipLineFault finds fault with.
 std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
 {
     const QString text = registerText(line);

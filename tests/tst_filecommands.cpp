@@ -88,11 +88,12 @@ private slots:
     void cleanupTestCase() { delete main; }
 
     // Each section goes to the chip as one block, in file order, after a
-    // pause of its own; a register may be written twice.
+    // pause of its own (a map line or register -1); a register may be
+    // written twice.
     void fileToChipInSections()
     {
         write(path("two.hex"),
-              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\n;ZV4280v2\nReg32\t44\n");
+              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\nReg-1 00\nReg32\t44\n");
         set("writePause", 60);
         bus->clearWireLog();
         QElapsedTimer clock;
@@ -164,7 +165,7 @@ private slots:
         const std::pair<const char*, const char*> lines[] = {
             {"Reg99999999999 05", "no register \"99999999999\": registers are 0 to 290"},
             {"Reg16500 01", "no register \"16500\": registers are 0 to 290"},
-            {"Reg-1 05", "no register \"-1\": registers are 0 to 290"},
+            {"Reg-2 05", "no register \"-2\": registers are 0 to 290"},
             {"Reg12 1FF", "the value \"1FF\" is no byte: one or two hex digits, 00 to FF"},
             {"Reg12 ZZ", "the value \"ZZ\" is no byte: one or two hex digits, 00 to FF"},
             {"Reg12 -5", "the value \"-5\" is no byte: one or two hex digits, 00 to FF"},

@@ -53,7 +53,7 @@ int FileCommands::checkLoad(const QString& file, int* status)
                 *status = out.fail(CtlExit::Usage, HexFormat::refusedLine(file, i + 1, line, fault));
                 return -1;
             }
-            ++registers;
+            registers += HexFormat::readRegister(line)->number >= 0 ? 1 : 0; // -1 is a pause
             break;
         }
         case HexFormat::LineKind::Other:

@@ -78,7 +78,9 @@ QString HexFormat::chipLineFault(const QString& line, int registerCount)
     const QString text = registerText(line);
     const QVector<QStringRef> pieces = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
     const QStringRef number = pieces.value(0), value = pieces.value(1);
-    if (!digitsOnly(number, 10) || number.size() > 9 || number.toInt() >= registerCount)
+    // "-1" is the pause marker a map line also makes: file to chip waits there.
+    const bool pause = number == QLatin1String("-1");
+    if (!pause && (!digitsOnly(number, 10) || number.size() > 9 || number.toInt() >= registerCount))
         return QStringLiteral("no register \"%1\": registers are 0 to %2").arg(number).arg(registerCount - 1);
     if (!digitsOnly(value, 16) || value.size() > 2)
         return QStringLiteral("the value \"%1\" is no byte: one or two hex digits, 00 to FF").arg(value);

@@ -2,6 +2,7 @@
 #include "cell_delegate.h"
 #include "table_named_model.h"
 #include "table_triada_model.h"
+#include "triad_painter.h"
 #include "ui_mapshow.h"
 
 #include <QApplication>
@@ -57,6 +58,7 @@ void mapshow::setUpView()
         viewModel = model;
         table->setModel(model);
         table->setItemDelegate(new CellDelegate(table));
+        new TriadPainter(table, model);
         table->installEventFilter(this);
     } else if (ui->choose_view->currentIndex() == NamedView) {
         setUpNamedView();

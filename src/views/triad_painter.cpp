@@ -12,12 +12,26 @@
 #include <QStyle>
 #include <QTableView>
 
+#include <algorithm>
 #include <vector>
+
+namespace {
+// Where the texts and cells are kept: by text, background and size.
+quint64 key(const RegisterBlocks::Face& face, int width, int height)
+{
+    return quint64(quint8(face.text[0])) | quint64(quint8(face.text[1])) << 8 | quint64(quint8(face.text[2])) << 16 |
+           quint64(face.shade) << 24 | quint64(quint16(height)) << 28 | quint64(quint16(width)) << 44;
+}
+} // namespace
 
 TriadPainter::TriadPainter(QTableView* tableView, TableTriadaModel* tableModel)
     : QObject(tableView), view(tableView), model(tableModel)
 {
     view->viewport()->installEventFilter(this);
+    // The cells of other sizes are not needed again.
+    auto forget = [this] { cells.clear(); };
+    connect(view->horizontalHeader(), &QHeaderView::sectionResized, this, forget);
+    connect(view->verticalHeader(), &QHeaderView::sectionResized, this, forget);
 }
 
 bool TriadPainter::eventFilter(QObject* object, QEvent* event)
@@ -49,9 +63,28 @@ void TriadPainter::paint(const QRect& area)
     option.font = view->font();
     option.showDecorationSelected = true;
     option.widget = view;
-    const QColor grid = QColor::fromRgba(QRgb(view->style()->styleHint(QStyle::SH_Table_GridLineColor, &option, view)));
+    grid = QColor::fromRgba(QRgb(view->style()->styleHint(QStyle::SH_Table_GridLineColor, &option, view)));
     if (option.state & QStyle::State_Enabled)
         option.palette.setCurrentColorGroup(QPalette::Normal);
+    alignment = CellDelegate::alignment(model->index(0, 0).data(Qt::TextAlignmentRole).toInt());
+    // Cells without a background of their own show the viewport's.
+    const QBrush fill = viewport->palette().brush(viewport->backgroundRole());
+    base = viewport->autoFillBackground() && fill.style() == Qt::SolidPattern ? fill.color() : QColor();
+    const QString newLook = QStringLiteral("%1 %2 %3 %4 %5 %6")
+                                .arg(option.font.key())
+                                .arg(option.palette.color(QPalette::Text).rgba())
+                                .arg(grid.rgba())
+                                .arg(base.rgba())
+                                .arg(viewport->logicalDpiY())
+                                .arg(alignment);
+    if (newLook != look) {
+        texts.clear();
+        cells.clear();
+        look = newLook;
+    }
+    // Images are put in place only by a painter that does not scale, on
+    // an opaque grid.
+    const bool blit = painter.deviceTransform().type() <= QTransform::TxTranslate && grid.alpha() == 255 && base.isValid();
 
     // The table ends at its last column and row; the rest stays the
     // viewport's background.
@@ -65,72 +98,59 @@ void TriadPainter::paint(const QRect& area)
     const int firstColumn = qMax(0, view->columnAt(dirty.left()));
     const int lastColumn =
         view->columnAt(dirty.right()) < 0 ? model->columnCount() - 1 : view->columnAt(dirty.right());
-    std::vector<int> left(size_t(lastColumn + 2)), runTop(size_t(lastColumn + 1), -1);
+    std::vector<int> left(size_t(lastColumn + 2));
     for (int c = firstColumn; c <= lastColumn; ++c)
         left[size_t(c)] = view->columnViewportPosition(c);
     left[size_t(lastColumn + 1)] = left[size_t(lastColumn)] + view->columnWidth(lastColumn);
 
-    const bool tiled = painter.deviceTransform().type() <= QTransform::TxTranslate;
     const QItemSelectionModel* selection = view->selectionModel();
     const bool anySelected = selection && selection->hasSelection();
-    const Qt::Alignment alignment = CellDelegate::alignment(model->index(0, 0).data(Qt::TextAlignmentRole).toInt());
-
-    // The grid: a line below each row, and a line right of each column
-    // except within a spanned cell, drawn as runs down the rows. Above the
-    // spanned cells of the first row the view leaves one pixel of the
-    // column lines.
-    std::vector<QRect> lines;
-    auto endRun = [&](int c, int bottom) {
-        if (runTop[size_t(c)] >= 0)
-            lines.emplace_back(left[size_t(c) + 1] - 1, runTop[size_t(c)], 1, bottom - runTop[size_t(c)]);
-        runTop[size_t(c)] = -1;
-    };
-
     for (int row = firstRow; row <= lastRow; ++row) {
         const int top = view->rowViewportPosition(row), height = view->rowHeight(row);
         for (int c = firstColumn; c <= lastColumn; ++c) {
-            const int span = view->columnSpan(row, c);
-            QRect cell(left[size_t(c)], top, left[size_t(c) + 1] - left[size_t(c)] - 1, height - 1);
-            int first = c, last = c; // the columns of the cell
-            if (span > 1) {
-                cell = view->visualRect(model->index(row, c));
-                first = view->columnAt(cell.left());
-                last = view->columnAt(cell.right() + 1);
-                for (int inner = c; inner < last && inner <= lastColumn; ++inner) {
-                    endRun(inner, top);
-                    if (row == 0)
-                        lines.emplace_back(left[size_t(inner) + 1] - 1, top, 1, 1);
-                }
-                c = qMin(last, lastColumn);
-            }
-            if (last <= lastColumn && runTop[size_t(last)] < 0)
-                runTop[size_t(last)] = top;
-
-            const bool selected = anySelected && selection->isSelected(model->index(row, first));
-            const RegisterBlocks::Face face = model->face(row, first);
-            if (selected || face.shade == RegisterBlocks::None || !tiled) {
-                paintItem(painter, option, cell, row, first);
+            if (view->columnSpan(row, c) > 1) {
+                c = paintSpan(painter, option, row, c, blit);
                 continue;
             }
-            painter.fillRect(cell, RegisterBlocks::colour(face.shade));
-            if (!face.hasText)
-                continue;
-            const Tile& text = tile(face, cell, option);
-            if (text.image.width() > cell.width()) {
-                paintItem(painter, option, cell, row, first);
-                continue;
+            const QRect section(left[size_t(c)], top, left[size_t(c) + 1] - left[size_t(c)], height);
+            const bool selected = anySelected && selection->isSelected(model->index(row, c));
+            const QImage* image = blit && !selected ? cell(model->face(row, c), section.size(), option) : nullptr;
+            if (image) {
+                painter.drawImage(section.topLeft(), *image);
+            } else {
+                paintItem(painter, option, section.adjusted(0, 0, -1, -1), row, c);
+                paintGrid(painter, section);
             }
-            const QRect place = QStyle::alignedRect(option.direction, alignment, text.image.size(), cell);
-            painter.drawImage(QPoint(place.left(), cell.top() + text.top), text.image);
         }
-        lines.emplace_back(left[size_t(firstColumn)], top + height - 1,
-                           left[size_t(lastColumn) + 1] - left[size_t(firstColumn)], 1);
     }
-    const int bottom = view->rowViewportPosition(lastRow) + view->rowHeight(lastRow);
-    for (int c = firstColumn; c <= lastColumn; ++c)
-        endRun(c, bottom);
-    for (const QRect& line : lines)
-        painter.fillRect(line, grid);
+}
+
+int TriadPainter::paintSpan(QPainter& painter, const QStyleOptionViewItem& option, int row, int column, bool blit)
+{
+    const QRect rect = view->visualRect(model->index(row, column));
+    const int first = view->columnAt(rect.left()), last = view->columnAt(rect.right() + 1);
+    const RegisterBlocks::Face face = model->face(row, first);
+    const QItemSelectionModel* selection = view->selectionModel();
+    const Text* shown = blit && face.hasText && face.text[0] ? &text(face, rect.height(), option) : nullptr;
+    if (!blit || (selection && selection->isSelected(model->index(row, first))) ||
+        (shown && shown->image.width() > rect.width())) {
+        paintItem(painter, option, rect, row, first);
+    } else {
+        if (face.shade != RegisterBlocks::None)
+            painter.fillRect(rect, background(face.shade));
+        if (shown) {
+            const QRect place = QStyle::alignedRect(option.direction, alignment, shown->image.size(), rect);
+            painter.drawImage(QPoint(place.left(), rect.top() + shown->top), shown->image);
+        }
+    }
+    paintGrid(painter, rect.adjusted(0, 0, 1, 1));
+    // Above the spanned cells of the first row the view leaves the top
+    // pixel of the column lines.
+    if (row == 0) {
+        for (int inner = first; inner < last; ++inner)
+            painter.fillRect(view->columnViewportPosition(inner) + view->columnWidth(inner) - 1, rect.top(), 1, 1, grid);
+    }
+    return last;
 }
 
 void TriadPainter::paintItem(QPainter& painter, QStyleOptionViewItem option, const QRect& rect, int row,
@@ -146,49 +166,79 @@ void TriadPainter::paintItem(QPainter& painter, QStyleOptionViewItem option, con
     view->itemDelegate()->paint(&painter, option, index);
 }
 
-const TriadPainter::Tile& TriadPainter::tile(const RegisterBlocks::Face& face, const QRect& cell,
+void TriadPainter::paintGrid(QPainter& painter, const QRect& section) const
+{
+    painter.fillRect(section.right(), section.top(), 1, section.height(), grid);
+    painter.fillRect(section.left(), section.bottom(), section.width() - 1, 1, grid);
+}
+
+const QImage* TriadPainter::cell(const RegisterBlocks::Face& face, const QSize& section,
+                                 const QStyleOptionViewItem& option)
+{
+    if (face.shade == RegisterBlocks::None)
+        return nullptr;
+    const quint64 at = key(face, section.width(), section.height());
+    auto it = cells.find(at);
+    if (it == cells.end()) {
+        // The background with the grid lines right and below, and the text
+        // where the delegate places it.
+        const QRect inside(0, 0, section.width() - 1, section.height() - 1);
+        QImage image(section, QImage::Format_RGB32);
+        image.fill(background(face.shade));
+        for (int y = 0; y < section.height(); ++y)
+            reinterpret_cast<QRgb*>(image.scanLine(y))[inside.width()] = grid.rgba();
+        std::fill_n(reinterpret_cast<QRgb*>(image.scanLine(inside.height())), inside.width(), grid.rgba());
+        if (face.hasText && face.text[0]) {
+            const Text& shown = text(face, inside.height(), option);
+            if (shown.image.width() > inside.width()) {
+                image = QImage();
+            } else {
+                const int x = QStyle::alignedRect(option.direction, alignment, shown.image.size(), inside).left();
+                for (int y = 0; y < shown.image.height(); ++y)
+                    std::copy_n(reinterpret_cast<const QRgb*>(shown.image.constScanLine(y)), shown.image.width(),
+                                reinterpret_cast<QRgb*>(image.scanLine(shown.top + y)) + x);
+            }
+        }
+        it = cells.insert(at, image);
+    }
+    return it->isNull() ? nullptr : &*it;
+}
+
+const TriadPainter::Text& TriadPainter::text(const RegisterBlocks::Face& face, int height,
                                              const QStyleOptionViewItem& option)
 {
-    const QColor pen = option.palette.color(QPalette::Text);
-    const QString look = QStringLiteral("%1 %2 %3 %4")
-                             .arg(option.font.key())
-                             .arg(pen.rgba())
-                             .arg(cell.height())
-                             .arg(view->viewport()->logicalDpiY());
-    if (look != tileLook) {
-        tiles.clear();
-        tileLook = look;
-    }
-    const quint32 key = quint32(quint8(face.text[0])) | quint32(quint8(face.text[1])) << 8 |
-                        quint32(quint8(face.text[2])) << 16 | quint32(face.shade) << 24;
-    auto it = tiles.find(key);
-    if (it != tiles.end())
+    const quint64 at = key(face, 0, height);
+    auto it = texts.find(at);
+    if (it != texts.end())
         return *it;
 
     // The text as the delegate places it in a cell of this height, cut to
     // the cell's rows.
     auto* delegate = static_cast<CellDelegate*>(view->itemDelegate());
-    const QStaticText& text = delegate->laidOut(QString::fromLatin1(face.text), option.font);
-    const QSize size = text.size().toSize();
-    const Qt::Alignment alignment = CellDelegate::alignment(model->index(0, 0).data(Qt::TextAlignmentRole).toInt());
-    const QRect place = QStyle::alignedRect(option.direction, alignment, size,
-                                            QRect(0, 0, size.width(), cell.height()));
-    Tile made;
+    const QStaticText& laidOut = delegate->laidOut(QString::fromLatin1(face.text), option.font);
+    const QSize size = laidOut.size().toSize();
+    const QRect place = QStyle::alignedRect(option.direction, alignment, size, QRect(0, 0, size.width(), height));
+    Text made;
     made.top = qMax(0, place.top());
-    const int rows = qMax(0, qMin(cell.height(), place.bottom() + 1) - made.top);
+    const int rows = qMax(0, qMin(height, place.bottom() + 1) - made.top);
     // Laid out away from the image's edges, where glyphs are placed apart.
     const int margin = 4;
     QImage image(size.width() + 2 * margin, size.height() + 2 * margin, QImage::Format_RGB32);
     const QWidget* viewport = view->viewport();
     image.setDotsPerMeterX(qRound(viewport->logicalDpiX() / 0.0254));
     image.setDotsPerMeterY(qRound(viewport->logicalDpiY() / 0.0254));
-    image.fill(RegisterBlocks::colour(face.shade));
+    image.fill(background(face.shade));
     {
-        QPainter tilePainter(&image);
-        tilePainter.setFont(option.font);
-        tilePainter.setPen(pen);
-        tilePainter.drawStaticText(QPointF(margin, margin), text);
+        QPainter textPainter(&image);
+        textPainter.setFont(option.font);
+        textPainter.setPen(option.palette.color(QPalette::Text));
+        textPainter.drawStaticText(QPointF(margin, margin), laidOut);
     }
     made.image = image.copy(margin, margin + made.top - place.top(), size.width(), rows);
-    return *tiles.insert(key, made);
+    return *texts.insert(at, made);
+}
+
+QColor TriadPainter::background(RegisterBlocks::Shade shade) const
+{
+    return shade == RegisterBlocks::None ? base : RegisterBlocks::colour(shade);
 }

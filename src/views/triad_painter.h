@@ -1,18 +1,18 @@
-// Paints the table of the map window's triad view row by row, each cell from
-// one lookup of its face, its text blitted from a small image made once, and
-// the grid as long lines: a maximised window has thousands of cells, and
-// the view's own way (cell by cell, clipped around the spanned lines) is
-// several times slower.
+// Paints the table of the map window's triad view: each cell from one lookup
+// of its face, as one image of its background, text and grid lines, made
+// once for all cells that look alike. A maximised window has thousands of
+// cells, and the view's own way (cell by cell through the delegate, the
+// grid clipped around the spanned lines) is several times slower.
 
 #pragma once
 
 #include "register_blocks.h"
 
-#include <QFont>
+#include <QColor>
 #include <QHash>
 #include <QImage>
 #include <QObject>
-#include <QStaticText>
+#include <QString>
 
 class QPainter;
 class QStyleOptionViewItem;
@@ -30,23 +30,33 @@ public:
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
-    // A cell's text as painted on its background: the rows of its laid-out
-    // text that fall inside the cell, from `top` down.
-    struct Tile
+    // A cell's text as the delegate paints it on the cell's background: the
+    // rows of the laid-out text that fall inside a cell, from `top` down.
+    struct Text
     {
         QImage image;
         int top = 0;
     };
 
     void paint(const QRect& area);
-    // A cell that is painted as the view would: by the style and the item
-    // delegate, for a selected cell, a cell without a background or a
-    // painter that scales.
+    // The spanned cell at `row` and `column`, and its grid lines; answers its
+    // last column. `blit` puts images in place.
+    int paintSpan(QPainter& painter, const QStyleOptionViewItem& option, int row, int column, bool blit);
+    // A cell as the view paints it: the style's row panel and the delegate.
     void paintItem(QPainter& painter, QStyleOptionViewItem option, const QRect& rect, int row, int column) const;
-    const Tile& tile(const RegisterBlocks::Face& face, const QRect& cell, const QStyleOptionViewItem& option);
+    // The grid lines right of and below `section`, a cell with its lines.
+    void paintGrid(QPainter& painter, const QRect& section) const;
+    // A cell `section` large with its grid lines; null where a text is wider
+    // than its cell.
+    const QImage* cell(const RegisterBlocks::Face& face, const QSize& section, const QStyleOptionViewItem& option);
+    const Text& text(const RegisterBlocks::Face& face, int height, const QStyleOptionViewItem& option);
+    QColor background(RegisterBlocks::Shade shade) const;
 
     QTableView* const view;
     TableTriadaModel* const model;
-    QHash<quint32, Tile> tiles; // by text and background, for `tileLook`
-    QString tileLook;           // font, text colour and cell height of the tiles
+    QHash<quint64, Text> texts;   // by text, background and cell height
+    QHash<quint64, QImage> cells; // by text, background and cell size; of the present sizes only
+    QString look;                 // font, colours and alignment of the images above
+    QColor grid, base;
+    Qt::Alignment alignment;
 };

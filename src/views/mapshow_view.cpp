@@ -1,4 +1,5 @@
 #include "mapshow.h"
+#include "cached_header.h"
 #include "cell_delegate.h"
 #include "table_named_model.h"
 #include "table_triada_model.h"
@@ -54,6 +55,8 @@ void mapshow::setUpView()
 {
     QTableView* table = ui->RegisterTable;
     if (ui->choose_view->currentIndex() == TriadView) {
+        table->setHorizontalHeader(new CachedHeader(Qt::Horizontal, table));
+        table->setVerticalHeader(new CachedHeader(Qt::Vertical, table));
         auto* model = new TableTriadaModel(table, 1, registerCount, this);
         viewModel = model;
         table->setModel(model);

@@ -59,10 +59,24 @@ void CachedHeader::paintSection(QPainter* painter, const QRect& rect, int logica
     painter->drawImage(rect.topLeft(), *it);
 }
 
+// The models of the map window give their headers a text and no other role.
+QSize CachedHeader::sectionSizeFromContents(int logicalIndex) const
+{
+    if (isSortIndicatorShown())
+        return QHeaderView::sectionSizeFromContents(logicalIndex);
+    const QString text = model()->headerData(logicalIndex, orientation()).toString();
+    auto it = contentSizes.find(text);
+    if (it == contentSizes.end())
+        it = contentSizes.insert(text, QHeaderView::sectionSizeFromContents(logicalIndex));
+    return *it;
+}
+
 void CachedHeader::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange ||
-        event->type() == QEvent::StyleChange || event->type() == QEvent::LayoutDirectionChange)
+        event->type() == QEvent::StyleChange || event->type() == QEvent::LayoutDirectionChange) {
         sections.clear();
+        contentSizes.clear();
+    }
     QHeaderView::changeEvent(event);
 }

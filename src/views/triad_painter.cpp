@@ -93,23 +93,38 @@ void TriadPainter::paint(const QRect& area)
     dirty.setBottom(qMin(dirty.bottom(), rowHeader->length() - rowHeader->offset() - 1));
     if (!dirty.isValid())
         return;
-    const int firstRow = qMax(0, view->rowAt(dirty.top()));
-    const int lastRow = view->rowAt(dirty.bottom()) < 0 ? model->rowCount() - 1 : view->rowAt(dirty.bottom());
-    const int firstColumn = qMax(0, view->columnAt(dirty.left()));
-    const int lastColumn =
-        view->columnAt(dirty.right()) < 0 ? model->columnCount() - 1 : view->columnAt(dirty.right());
+    // Asked of the headers, as the view does, so that no pending layout of
+    // the view is carried out while it is painted.
+    const int firstRow = qMax(0, rowHeader->logicalIndexAt(dirty.top()));
+    const int lastRow = rowHeader->logicalIndexAt(dirty.bottom()) < 0 ? rowHeader->count() - 1
+                                                                        : rowHeader->logicalIndexAt(dirty.bottom());
+    const int firstColumn = qMax(0, columnHeader->logicalIndexAt(dirty.left()));
+    const int lastColumn = columnHeader->logicalIndexAt(dirty.right()) < 0
+                               ? columnHeader->count() - 1
+                               : columnHeader->logicalIndexAt(dirty.right());
     std::vector<int> left(size_t(lastColumn + 2));
     for (int c = firstColumn; c <= lastColumn; ++c)
-        left[size_t(c)] = view->columnViewportPosition(c);
-    left[size_t(lastColumn + 1)] = left[size_t(lastColumn)] + view->columnWidth(lastColumn);
+        left[size_t(c)] = columnHeader->sectionViewportPosition(c);
+    left[size_t(lastColumn + 1)] = left[size_t(lastColumn)] + columnHeader->sectionSize(lastColumn);
 
     const QItemSelectionModel* selection = view->selectionModel();
     const bool anySelected = selection && selection->hasSelection();
     for (int row = firstRow; row <= lastRow; ++row) {
-        const int top = view->rowViewportPosition(row), height = view->rowHeight(row);
+        const int top = rowHeader->sectionViewportPosition(row), height = rowHeader->sectionSize(row);
         for (int c = firstColumn; c <= lastColumn; ++c) {
-            if (view->columnSpan(row, c) > 1) {
-                c = paintSpan(painter, option, row, c, blit);
+            const int span = view->columnSpan(row, c);
+            if (span > 1) {
+                // A spanned cell starts where it is met, unless the left
+                // edge of what is painted cuts it.
+                const int first = c > firstColumn || c == 0
+                                      ? c
+                                      : columnHeader->logicalIndexAt(view->visualRect(model->index(row, c)).left());
+                int width = 0;
+                for (int inner = first; inner < first + span; ++inner)
+                    width += columnHeader->sectionSize(inner);
+                const QRect rect(columnHeader->sectionViewportPosition(first), top, width - 1, height - 1);
+                paintSpan(painter, option, row, first, span, rect, blit);
+                c = first + span - 1;
                 continue;
             }
             const QRect section(left[size_t(c)], top, left[size_t(c) + 1] - left[size_t(c)], height);
@@ -125,10 +140,9 @@ void TriadPainter::paint(const QRect& area)
     }
 }
 
-int TriadPainter::paintSpan(QPainter& painter, const QStyleOptionViewItem& option, int row, int column, bool blit)
+void TriadPainter::paintSpan(QPainter& painter, const QStyleOptionViewItem& option, int row, int first, int span,
+                             const QRect& rect, bool blit)
 {
-    const QRect rect = view->visualRect(model->index(row, column));
-    const int first = view->columnAt(rect.left()), last = view->columnAt(rect.right() + 1);
     const RegisterBlocks::Face face = model->face(row, first);
     const QItemSelectionModel* selection = view->selectionModel();
     const Text* shown = blit && face.hasText && face.text[0] ? &text(face, rect.height(), option) : nullptr;
@@ -147,10 +161,11 @@ int TriadPainter::paintSpan(QPainter& painter, const QStyleOptionViewItem& optio
     // Above the spanned cells of the first row the view leaves the top
     // pixel of the column lines.
     if (row == 0) {
-        for (int inner = first; inner < last; ++inner)
-            painter.fillRect(view->columnViewportPosition(inner) + view->columnWidth(inner) - 1, rect.top(), 1, 1, grid);
+        const QHeaderView* columnHeader = view->horizontalHeader();
+        for (int inner = first; inner < first + span - 1; ++inner)
+            painter.fillRect(columnHeader->sectionViewportPosition(inner) + columnHeader->sectionSize(inner) - 1,
+                             rect.top(), 1, 1, grid);
     }
-    return last;
 }
 
 void TriadPainter::paintItem(QPainter& painter, QStyleOptionViewItem option, const QRect& rect, int row,

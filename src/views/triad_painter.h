@@ -39,9 +39,10 @@ private:
     };
 
     void paint(const QRect& area);
-    // The spanned cell at `row` and `column`, and its grid lines; answers its
-    // last column. `blit` puts images in place.
-    int paintSpan(QPainter& painter, const QStyleOptionViewItem& option, int row, int column, bool blit);
+    // The cell at `row` spanning `span` columns from `first`, inside `rect`,
+    // and its grid lines. `blit` puts images in place.
+    void paintSpan(QPainter& painter, const QStyleOptionViewItem& option, int row, int first, int span,
+                   const QRect& rect, bool blit);
     // A cell as the view paints it: the style's row panel and the delegate.
     void paintItem(QPainter& painter, QStyleOptionViewItem option, const QRect& rect, int row, int column) const;
     // The grid lines right of and below `section`, a cell with its lines.

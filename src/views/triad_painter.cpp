@@ -82,9 +82,10 @@ void TriadPainter::paint(const QRect& area)
         cells.clear();
         look = newLook;
     }
-    // Images are put in place only by a painter that does not scale, on
-    // an opaque grid.
-    const bool blit = painter.deviceTransform().type() <= QTransform::TxTranslate && grid.alpha() == 255 && base.isValid();
+    // Images are put in place only by a painter that does not scale, with
+    // an opaque grid on a plain background.
+    const bool blit =
+        painter.deviceTransform().type() <= QTransform::TxTranslate && grid.alpha() == 255 && base.isValid();
 
     // The table ends at its last column and row; the rest stays the
     // viewport's background.
@@ -190,7 +191,7 @@ void TriadPainter::paintGrid(QPainter& painter, const QRect& section) const
 const QImage* TriadPainter::cell(const RegisterBlocks::Face& face, const QSize& section,
                                  const QStyleOptionViewItem& option)
 {
-    if (face.shade == RegisterBlocks::None)
+    if (face.shade == RegisterBlocks::None || section.isEmpty())
         return nullptr;
     const quint64 at = key(face, section.width(), section.height());
     auto it = cells.find(at);

@@ -11,20 +11,20 @@
 #include <QHeaderView>
 #include <QTableView>
 
-#include <cstring>
 
 // The view side of the map window: its form and the table in it.
 
 mapshow::mapshow(const QString& name, quint32 count, QWidget* parent, RegisterView view)
-    : QWidget(parent), registerCount(count), chipName(name), ui(new Ui::mapshow)
+    : QWidget(parent),
+      images(name, count),
+      registerCount(count),
+      guiImage(images.guiImage),
+      icImage(images.icImage),
+      cfgImage(images.cfgImage),
+      chipName(name),
+      ui(new Ui::mapshow)
 {
     ui->setupUi(this);
-    guiImage = new quint8[registerCount];
-    icImage = new quint8[registerCount];
-    cfgImage = new quint8[registerCount];
-    std::memset(guiImage, 0, registerCount);
-    std::memset(icImage, 0, registerCount);
-    std::memset(cfgImage, 0, registerCount);
 
     setWindowTitle(chipName);
     ui->spinBox_column_num->setValue(4);
@@ -43,9 +43,7 @@ mapshow::mapshow(const QString& name, quint32 count, QWidget* parent, RegisterVi
 
 mapshow::~mapshow()
 {
-    delete[] guiImage;
-    delete[] icImage;
-    delete[] cfgImage;
+    images.listener = nullptr;
     delete ui;
 }
 
@@ -59,6 +57,7 @@ void mapshow::setUpView()
         table->setVerticalHeader(new CachedHeader(Qt::Vertical, table));
         auto* model = new TableTriadaModel(table, 1, registerCount, this);
         viewModel = model;
+        images.listener = model;
         table->setModel(model);
         table->setItemDelegate(new CellDelegate(table));
         new TriadPainter(table, model);
@@ -73,6 +72,7 @@ void mapshow::setUpNamedView()
     QTableView* table = ui->RegisterTable;
     auto* model = new TableNamedModel(this, guiImage, icImage, cfgImage);
     viewModel = model;
+    images.listener = model;
     table->setModel(model);
     table->verticalHeader()->hide();
     table->horizontalHeader()->show();
@@ -94,14 +94,6 @@ bool mapshow::eventFilter(QObject* object, QEvent* event)
             triad->resize(ui->RegisterTable->geometry().width(), ui->RegisterTable->geometry().height());
     }
     return false;
-}
-
-// The old copies belong to the triad view; with another view selected they
-// keep their last state.
-void mapshow::dropOld(int index)
-{
-    if (ui->choose_view->currentIndex() == TriadView && viewModel)
-        viewModel->dropOld(index);
 }
 
 void mapshow::refreshRegisterView()

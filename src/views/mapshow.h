@@ -1,4 +1,9 @@
+// The register map window. It owns the three register images of its chip
+// (RegisterImages, in the engine) and shows them; its bit operations are
+// those of the images.
 #pragma once
+
+#include "engine/register_images.h"
 
 #include <QMap>
 #include <QString>
@@ -20,14 +25,9 @@ struct BitOwner
 // What the map window asks of its table model: keep the old copies that mark
 // the bits changed by the last operation, repaint the cells of a bit of
 // guiImage that changed, and show all three images anew.
-class ImageViewModel
+class ImageViewModel : public ImageListener
 {
 public:
-    virtual ~ImageViewModel() = default;
-    // Copy live image `index` (0 gui, 1 ic, 2 cfg) into its old copy.
-    virtual void dropOld(int index) = 0;
-    // A bit of guiImage has changed: report the cells that show it.
-    virtual void bitChanged(int position) = 0;
     // The images have changed anywhere: one reset of the model.
     virtual void refresh() = 0;
 };
@@ -49,14 +49,15 @@ public:
             RegisterView view = TriadView);
     ~mapshow() override;
 
-    quint32 registerCount = 0;
-    quint32 bitsPerRegister = 8;
-    quint8* guiImage = nullptr; // what the widgets edit
-    quint8* icImage = nullptr;  // what the chip last gave
-    quint8* cfgImage = nullptr; // what a file last gave
+    RegisterImages images;
+    const quint32 registerCount;
+    const quint32 bitsPerRegister = RegisterImages::bitsPerRegister;
+    quint8* const guiImage; // what the widgets edit
+    quint8* const icImage;  // what the chip last gave
+    quint8* const cfgImage; // what a file last gave
     QMap<QString, part*> parts;
     QMap<qint32, BitOwner> bitOwners;
-    QString chipName;
+    const QString chipName;
 
     // The table model in use, if any; the map window's view side sets it.
     ImageViewModel* viewModel = nullptr;
@@ -88,9 +89,7 @@ public slots:
     void on_spinBox_column_num_valueChanged(int);
 
 private:
-    quint32 runValue(const quint8* image, qint32 position, qint32 width) const;
-    void writeField(const part& p, quint32 value);
-    void dropOld(int index);
+    void writeField(const part& p, quint32 value) { images.writeField(p, value); }
     void setUpView();
     void setUpNamedView();
 

@@ -43,23 +43,6 @@ quint32 invert(const part& p, quint32 value)
 
 } // namespace
 
-// The field's code in an image: the last bit of the last segment is the
-// least significant.
-quint32 mapshow::fieldImageValue(const part& p, const quint8* image) const
-{
-    quint32 value = 0;
-    quint32 weight = 1;
-    for (int i = p.positions.size() - 1; i >= 0; --i) {
-        const qint32 w = qint32(p.widths.value(i));
-        for (qint32 b = 0; b < w; ++b) {
-            if (getBit(image, qint32(p.positions.at(i)) + w - 1 - b))
-                value += weight;
-            weight <<= 1;
-        }
-    }
-    return value;
-}
-
 quint32 mapshow::getPartValue(const QString& fieldKey)
 {
     const part* p = parts.value(fieldKey);
@@ -156,23 +139,4 @@ quint32 mapshow::applyPartToImage(const QString& fieldKey)
     const quint32 result = getPartValue(fieldKey);
     writeField(*p, result);
     return result;
-}
-
-// Writes a field's code into guiImage, last bit of the last segment first;
-// only bits that differ are written, and the view is told of each.
-void mapshow::writeField(const part& p, quint32 value)
-{
-    for (int i = p.positions.size() - 1; i >= 0; --i) {
-        const qint32 w = qint32(p.widths.value(i));
-        for (qint32 b = 0; b < w; ++b) {
-            const qint32 position = qint32(p.positions.at(i)) + w - 1 - b;
-            const int bit = int(value & 1u);
-            if (getBit(guiImage, position) != bit) {
-                setBit(guiImage, position, bit);
-                if (viewModel)
-                    viewModel->bitChanged(position);
-            }
-            value >>= 1;
-        }
-    }
 }

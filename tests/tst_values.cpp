@@ -1,4 +1,5 @@
 #include "MainClass.h"
+#include "engine/form_model.h"
 #include "mapshow.h"
 #include "part.h"
 #include "tables.h"
@@ -275,27 +276,6 @@ private slots:
         QCOMPARE(shown("ChB_IFA_I_Gain"), QStringLiteral("59.2dB"));
     }
 
-    // "stem type source": how often a change fires the output type and the
-    // source, each once at most; a field without a rule fires none.
-    void refiring_data()
-    {
-        QTest::addColumn<QString>("row");
-        for (const char* r :
-             {"Fx 1 1", "CLK_OUT_TP 1 1", "ChA_Flo 0 1", "ChD_Flo 0 1", "CLK_SOURCE 0 1", "ChA_PLL_CP_CC 0 0"})
-            QTest::newRow(r) << QString(r);
-    }
-    void refiring()
-    {
-        QFETCH(QString, row);
-        const QStringList r = row.split(' ');
-        set("CLK_SOURCE=0;CLK_OUT_TP=1");
-        QSignalSpy typeSpy(widget("CLK_OUT_TP"), SIGNAL(currentIndexChanged(int)));
-        QSignalSpy sourceSpy(widget("CLK_SOURCE"), SIGNAL(currentIndexChanged(int)));
-        auto* box = qobject_cast<QSpinBox*>(widget(r[0]));
-        set(QString("%1=%2").arg(r[0]).arg(box ? box->value() + 1 : 1));
-        QCOMPARE(QString("%1 %2").arg(typeSpy.count()).arg(sourceSpy.count()), r[1] + " " + r[2]);
-    }
-
     // A field without a rule changes only the image; an unknown sender changes nothing and is reported.
     void changesWithoutRule()
     {
@@ -327,7 +307,7 @@ private slots:
         std::mt19937 random(4280);
         for (int round = 0; round < 3; ++round) {
             for (const part* p : main->outputs)
-                p->widget->setProperty("text", QString());
+                main->model()->setText(p->widget->objectName(), QString());
             for (quint32 r = 0; r < map->registerCount; ++r)
                 map->guiImage[r] = quint8(random());
             for (const QString& key : map->parts.keys())

@@ -1,4 +1,5 @@
 #include "MainClass.h"
+#include "engine/form_model.h"
 #include "clerk.h"
 #include "mapshow.h"
 #include "part.h"
@@ -391,7 +392,7 @@ private slots:
         for (const part* p : main->outputs)
             if (p->widget->objectName().endsWith("_Expression")) {
                 displays << qobject_cast<QLineEdit*>(p->widget);
-                displays.last()->clear();
+                main->model()->setText(p->widget->objectName(), QString());
             }
         QCOMPARE(displays.size(), 103);
         QCOMPARE(read(), QStringList());

@@ -1,6 +1,8 @@
 #include "MainClass.h"
 #include "ui_MainClass.h"
 
+#include "app/form_binding.h"
+#include "engine/form_model.h"
 #include "mapshow.h"
 #include "part.h"
 #include "service_block.h"
@@ -63,6 +65,7 @@ MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, Start start, QWid
 
     scanWindows();
     setDefaultState();
+    bindForms();
     if (start == Start::LoadDefaults)
         on_action_load_default_triggered();
 }
@@ -77,6 +80,7 @@ MainClass::~MainClass()
         while (worker && !worker->wait(5))
             QCoreApplication::processEvents();
     }
+    binding.reset();
     delete ui;
 }
 
@@ -218,8 +222,6 @@ void MainClass::setDefaultState()
     };
     for (const char* name : {"ButtonGrSChA", "ButtonGrSChB", "ButtonGrSChC", "ButtonGrSChD", "ButtonGrGenServ"})
         hideNamed(name);
-    if (QWidget* w = findWidget(QStringLiteral("ZV_TS_code_ZV4280v2_38_10")))
-        w->setEnabled(false);
 
     ui->toolBar_RegMap->hide();
     for (QToolBar* bar : {ui->toolBar_file, ui->toolBar_IC, ui->toolBar_RegWindow, ui->toolBar_RegMap})
@@ -244,8 +246,6 @@ void MainClass::setDefaultState()
 
     hideNamed("ZV_ChD_IFA_I_GCst_ZV4280v2_663_9");
     hideNamed("ZV_ChD_IFA_Q_GCst_ZV4280v2_679_9");
-    if (QWidget* w = findWidget(QStringLiteral("ZV_PLL_CDiv_ZV4280v2_88_8")))
-        w->setProperty("minimum", 4);
 
     for (const char* name : {"ZV_AOK_ZV4280v2_19_1", "ZV_ChA_AOK_ZV4280v2_20_1", "ZV_ChB_AOK_ZV4280v2_21_1",
                              "ZV_ChC_AOK_ZV4280v2_22_1", "ZV_ChD_AOK_ZV4280v2_23_1"}) {
@@ -254,6 +254,48 @@ void MainClass::setDefaultState()
     }
 
     lastPath = QDir::currentPath();
+}
+
+// When the first map is this chip's, its forms get their state from the
+// engine's form model (which starts as the forms do, then closes the
+// temperature code and keeps the C-divider at 4 or more), and the widgets
+// show it.
+void MainClass::bindForms()
+{
+    mapshow* map = firstMap();
+    const Catalogue& catalogue = Catalogue::instance();
+    if (!map || map->chipName != catalogue.chipName() || map->registerCount != catalogue.registerCount())
+        return;
+    QHash<QString, QWidget*> byName;
+    for (QWidget* window : qAsConst(windows))
+        for (QWidget* w : window->findChildren<QWidget*>())
+            if (!w->objectName().isEmpty())
+                byName.insert(w->objectName(), w);
+    formModel = std::make_unique<FormModel>(map->images);
+    binding = std::make_unique<FormBinding>(*formModel, byName);
+    binding->showAll();
+}
+
+// The slot behind every editing widget: the change goes to the form model,
+// which guards it, commits the code to guiImage and runs the rules; the
+// widgets follow what it reports. A widget that is no field of the model
+// only commits its value.
+void MainClass::change_Value(int val)
+{
+    QObject* s = sender();
+    std::unique_ptr<part> p(s ? mapshow::ParseObjName(s->objectName()) : nullptr);
+    if (!p) {
+        showModal(tr("Невозможное событие!"));
+        return;
+    }
+    mapshow* map = maps.value(p->chip);
+    if (!map)
+        return;
+    const int field = formModel && &formModel->images() == &map->images ? formModel->indexOf(p->name) : -1;
+    if (field >= 0 && formModel->entry(field).objectName == s->objectName())
+        formModel->widgetChanged(field, val);
+    else
+        map->applyPartToImage(p->name);
 }
 
 void MainClass::toggleWindow(QWidget* window)

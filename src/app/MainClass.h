@@ -7,6 +7,10 @@
 #include <QPointer>
 #include <QString>
 
+#include <memory>
+
+class FormBinding;
+class FormModel;
 class QAction;
 class QProgressBar;
 class mapshow;
@@ -19,7 +23,8 @@ class MainClass;
 
 // The main window. It creates every window of the program, finds the
 // register fields by their widgets' object names, binds the editing widgets
-// to change_Value and owns the operation cycle of the toolbar commands.
+// to change_Value and through it to the engine's form model, and owns the
+// operation cycle of the toolbar commands.
 class MainClass : public QMainWindow
 {
     Q_OBJECT
@@ -58,6 +63,10 @@ public:
 
     // The first register map, which all map-wide operations serve.
     mapshow* firstMap() const;
+    // The forms' state in the engine, which every edit of a field goes
+    // through; the widgets follow it. Null when the windows are not this
+    // chip's forms (a test's own windows): edits then only reach the image.
+    FormModel* model() const { return formModel.get(); }
     // A widget of any window by its object name; the main window is searched
     // first.
     QWidget* findWidget(const QString& objectName) const;
@@ -107,8 +116,11 @@ private:
     QString askFile(bool save, const QString& caption, bool keepFolder = true);
     void openFileFor(int command);
     void pushImage(mapshow* map);
+    void bindForms();
 
     Ui::MainClass* ui;
+    std::unique_ptr<FormModel> formModel;
+    std::unique_ptr<FormBinding> binding;
 };
 
 // The window title after a load of the defaults or of a file.

@@ -5,6 +5,7 @@
 #include "ui_MainClass.h"
 
 #include "clerk.h"
+#include "engine/form_model.h"
 #include "mapshow.h"
 #include "part.h"
 #include "service_block.h"
@@ -214,41 +215,28 @@ void MainClass::showOperationResult(int command)
         map->refreshRegisterView();
         map->repaint();
     }
-    if (command == 5) {
-        // A file cannot tell what the chip's status fields read: they show
-        // "n/a" and the bulbs the disabled picture until the next read.
-        for (part* p : qAsConst(outputs)) {
-            if (auto* label = qobject_cast<QLabel*>(p->widget)) {
-                if (p->width == 1)
-                    label->setPixmap(QPixmap(QStringLiteral(":/Bulb-disabled.png")));
-                else
-                    label->setText(QStringLiteral("n/a"));
-            } else if (auto* edit = qobject_cast<QLineEdit*>(p->widget)) {
-                if (!edit->objectName().contains(QLatin1String("_Expression")))
-                    edit->setText(QStringLiteral("n/a"));
-            }
-        }
-    } else {
-        // Spin boxes with a display recompute it even when their value did
-        // not change.
-        for (auto it = outputs.cbegin(); it != outputs.cend(); ++it) {
-            const part* field = map->parts.value(it.key());
-            if (!field)
-                continue;
-            if (auto* box = qobject_cast<QSpinBox*>(field->widget))
-                if (QLatin1String(box->metaObject()->className()) == QLatin1String("QSpinBox"))
-                    emit box->valueChanged(int(map->getPartValue(it.key())));
-        }
-    }
+    if (!formModel)
+        return;
+    // A file cannot tell what the chip's status fields read: they show "n/a"
+    // and the bulbs the disabled picture until the next read. After anything
+    // else the spin boxes with a display recompute it, even when their value
+    // did not change.
+    if (command == 5)
+        formModel->markChipOnly();
+    else
+        formModel->fireDisplays();
 }
 
-// Shows guiImage in every widget, in key order. A widget that changes runs
-// its rules, and a rule may re-fire another widget whose turn has not come
-// yet, which would write that widget's old value into the image; so the
-// widgets are set from a copy of the image as it stood before the push.
+// Shows guiImage in every widget, in key order, from a copy of the image as
+// it stood before the push: a field's rules may re-fire another field whose
+// turn has not come yet.
 void MainClass::pushImage(mapshow* map)
 {
     const std::vector<quint8> image(map->guiImage, map->guiImage + map->registerCount);
+    if (formModel && &formModel->images() == &map->images) {
+        formModel->push(image.data());
+        return;
+    }
     for (auto it = map->parts.cbegin(); it != map->parts.cend(); ++it)
         map->setPartValue(it.key(), image.data());
 }

@@ -72,7 +72,7 @@ int main(int argc, char* argv[])
         QElapsedTimer all, t;
         all.start();
         t.start();
-        const GuiSave s = GuiSave::take(*map, settings);
+        const GuiSave s = GuiSave::take(*window->model(), settings);
         take.push_back(ms(t));
         t.restart();
         saved = HexWriter::guiText(s);

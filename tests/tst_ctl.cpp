@@ -499,7 +499,7 @@ private slots:
         gui.showOperationResult(1);
         gui.service->setSetting("HexComment", comments ? 1 : 0);
         gui.service->setSetting("ChangesOnly", 0);
-        const QString f6 = HexWriter::guiText(GuiSave::take(*map, gui.service->settings));
+        const QString f6 = HexWriter::guiText(GuiSave::take(*gui.model(), gui.service->settings));
         QCOMPARE(QString::fromUtf8(readFile(path("round.hex"))), f6);
 
         fillChip();

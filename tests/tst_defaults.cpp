@@ -35,7 +35,7 @@ private slots:
                 emit check->stateChanged(check->checkState());
         }
         const QString text = HexWriter::guiText(GuiSave::take(
-            *map, {{"ChangesOnly", 0}, {"HexComment", 1}, {"StatusBits", 1}, {"ServiceBits", 1}}));
+            *window.model(), {{"ChangesOnly", 0}, {"HexComment", 1}, {"StatusBits", 1}, {"ServiceBits", 1}}));
 
         const QString shipped = QStringLiteral(ZV_SOURCE_DIR "/resources/default.hex");
         if (qEnvironmentVariableIntValue("ZV_WRITE_DEFAULT_HEX"))

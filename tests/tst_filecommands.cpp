@@ -35,7 +35,7 @@ class tst_filecommands : public QObject
     {
         clerk worker(command, file, main->service, main->maps);
         if (command == 6)
-            worker.save = GuiSave::take(*map, main->service->settings);
+            worker.save = GuiSave::take(*main->model(), main->service->settings);
         if (progress)
             connect(&worker, &clerk::percent_up, this, [progress](int p) { *progress << p; });
         const QStringList ends = runToEnd(&worker);

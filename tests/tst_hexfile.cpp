@@ -1,4 +1,6 @@
 #include "MainClass.h"
+#include "engine/form_model.h"
+#include "engine/register_images.h"
 #include "comment_builder.h"
 #include "gui_save.h"
 #include "hex_format.h"
@@ -54,7 +56,7 @@ class tst_hexfile : public QObject
         for (const QString& key : map->parts.keys())
             map->setPartValue(key, map->guiImage);
     }
-    QString save(const QMap<QString, int>& settings) const { return HexWriter::guiText(GuiSave::take(*map, settings)); }
+    QString save(const QMap<QString, int>& settings) const { return HexWriter::guiText(GuiSave::take(*main->model(), settings)); }
 
 private slots:
     void initTestCase()
@@ -99,7 +101,8 @@ private slots:
     // and expert windows hold registers 107 to 290 only, which a save of the GUI never reaches.
     void statusAndServiceRegisters()
     {
-        const QVector<bool> status = SaveFilter::statusRegisters(*map), service = SaveFilter::serviceRegisters(*map);
+        const QVector<bool> status = SaveFilter::statusRegisters(Catalogue::instance()),
+                            service = SaveFilter::serviceRegisters(Catalogue::instance());
         for (int r : {0, 1, 2, 80, 81, 145, 290})
             QVERIFY2(status.at(r), qPrintable(QString::number(r)));
         for (int r : {3, 4, 9, 14, 82, 106})
@@ -115,70 +118,18 @@ private slots:
         QCOMPARE(save({{"HexComment", 0}, {"ServiceBits", 0}}), full);
     }
 
-    // The comment rules, on a small form: label lookup, separators, the several kinds of widget.
+    // With changes only, the comments name the fields whose bits differ
+    // from what the chip gave, and no other; the forms' model alone makes them.
     void commentRules()
     {
-        QWidget form, expert;
-        expert.setObjectName("GrSChA");
-        mapshow small("ZV4280v2", 108);
-        auto add = [&](QWidget* w, const QString& name, QWidget* parent) {
-            w->setParent(parent);
-            w->setObjectName(name);
-            if (part* p = mapshow::ParseObjName(name)) {
-                p->widget = w;
-                small.parts.insert(p->name, p);
-            }
-            return w;
-        };
-        auto label = [&](const QString& name, const QString& text) { add(new QLabel(text), name, &form); };
-        static_cast<QLineEdit*>(add(new QLineEdit("7"), "ZV_Alpha_ZV4280v2_20_4", &form))->setReadOnly(true);
-        label("AlphaLabelG", "Al\npha");
-        static_cast<QSpinBox*>(add(new QSpinBox, "ZV_Big_ZV4280v2_12_8", &form))->setValue(5);
-        label("BigLabelG", "Big");
-        label("BigLabelG2", "Big, last"); // the last match wins
-        add(new QLabel, "ZV_Bulb_ZV4280v2_24_1", &form);
-        label("BulbLabelG", "Bulb\nstate");
-        static_cast<QCheckBox*>(add(new QCheckBox("Execute"), "ZV_Exe_ZV4280v2_7_1", &form))->setChecked(true);
-        add(new QSpinBox, "ZV_Gain_ZV4280v2_28_4", &form);
-        label("GainLabelG", "Gain");
-        add(new QLineEdit("1.5\ndB"), "Gain_ZV4280v2_Expression", &form);
-        static_cast<QLineEdit*>(add(new QLineEdit("26"), "ZV_Id_ZV4280v2_56_8", &form))->setReadOnly(true);
-        label("IdLabelG", "ID");
-        auto* mode = static_cast<QComboBox*>(add(new QComboBox, "ZV_Mode_ZV4280v2_6_1", &form)); // no label
-        mode->addItems({"single", "continuous"});
-        mode->setCurrentIndex(1);
-        add(new QSpinBox, "ZV_Phase_ZV4280v2_826_6", &form);
-        label("PhaseLabelG", "FM");
-        add(new QLineEdit("90.00°"), "Phase_ZV4280v2_Expression", &form);
-        add(new QSpinBox, "ZV_Quiet_ZV4280v2_842_6", &form);
-        add(new QCheckBox("Split"), "ZV_Split_ZV4280v2_32p48_1p1", &form);
-        add(new QCheckBox("Service"), "ZV_Svc_ZV4280v2_64_8", &expert);
-        small.guiImage[3] = 0x80; // the bulb's bit
-
-        QStringList expected = QVector<QString>(108).toList();
-        expected[0] = "Execute: enabled\n\t   //: continuous";
-        expected[1] = "Big, last:  5";
-        expected[2] = "Al pha: 7Big, last:  5"; // no separator: the test looks at register 1, the field's first
-        expected[3] = "Bulb\nstate: 1\n\t   //Gain: 1.5 dB ";
-        expected[4] = expected[6] = "Split: disabled";
-        expected[7] = "ID: 26";
-        expected[8] = "Service: disabled";
-        expected[103] = "IQ phase correction FM: 90.00° ";
-        expected[105] = "IQ phase correction ";
-        QCOMPARE(CommentBuilder::build(small, false), expected);
-        small.guiImage[0] ^= 0x01; // ic and gui differ in the check box's bit only
-        std::copy_n(small.guiImage, 108, small.icImage);
-        small.guiImage[0] ^= 0x01;
-        QStringList changed = QVector<QString>(108).toList();
-        changed[0] = "Execute: enabled";
-        QCOMPARE(CommentBuilder::build(small, true), changed);
-
-        // Register 5 holds no field and stays in any save.
-        QCOMPARE(SaveFilter::leftOut(small, false, true).indexOf(true), 7);
-        QCOMPARE(SaveFilter::leftOut(small, false, true).count(true), 1);
-        QCOMPARE(SaveFilter::leftOut(small, true, false).indexOf(true), 8);
-        QCOMPARE(SaveFilter::leftOut(small, false, false).count(true), 2);
-        qDeleteAll(small.parts);
+        RegisterImages images("ZV4280v2", 291);
+        FormModel model(images);
+        std::copy_n(images.guiImage, 291, images.icImage);
+        const int exe = model.indexOf("ChA_EXE_AOK_CFG_ZV4280v2");
+        model.setValue(exe, 1);
+        QStringList changed = QVector<QString>(291).toList();
+        changed[125 / 8] = model.entry(exe).checkText + ": enabled";
+        QCOMPARE(CommentBuilder::build(model, true), changed);
     }
 
     void reader_data()

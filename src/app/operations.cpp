@@ -74,8 +74,8 @@ void MainClass::startOperation(int command, const QString& fileName)
 clerk* MainClass::newWorker(int command, const QString& fileName)
 {
     auto* created = new clerk(command, fileName, service, maps);
-    if (command == 6 && firstMap())
-        created->save = GuiSave::take(*firstMap(), service->settings);
+    if (command == 6 && formModel)
+        created->save = GuiSave::take(*formModel, service->settings);
     return created;
 }
 

@@ -2,44 +2,41 @@
 #include "ctl_field.h"
 
 #include "comment_builder.h"
-#include "mapshow.h"
-#include "part.h"
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QSpinBox>
+#include "engine/form_model.h"
+#include "engine/register_images.h"
 
 #include <algorithm>
 
-CtlField::CtlField(mapshow& owner, const QString& name) : map(&owner)
+CtlField::CtlField(FormModel& owner, const QString& name) : model(&owner)
 {
-    const QString chipWord = QLatin1Char('_') + owner.chipName;
-    const QString key = name.endsWith(chipWord) ? name : name + chipWord;
-    if (const part* p = owner.parts.value(key))
-        *this = CtlField(owner, *p);
+    const QString chipWord = QLatin1Char('_') + owner.catalogue().chipName();
+    const int found = owner.indexOf(name.endsWith(chipWord) ? name : name + chipWord);
+    if (found >= 0)
+        *this = CtlField(owner, found);
 }
 
-CtlField::CtlField(mapshow& owner, const part& record) : map(&owner), field(&record)
+CtlField::CtlField(FormModel& owner, int field) : model(&owner), index(field)
 {
-    const QObject* w = record.widget;
-    if (qobject_cast<const QCheckBox*>(w))
-        widgetKind = Kind::CheckBox;
-    else if (qobject_cast<const QComboBox*>(w))
-        widgetKind = Kind::ComboBox;
-    else if (qobject_cast<const QSpinBox*>(w))
-        widgetKind = Kind::SpinBox;
-    else if (qobject_cast<const QLineEdit*>(w))
-        widgetKind = Kind::LineEdit;
-    else
-        widgetKind = Kind::Label;
+    switch (owner.entry(field).kind) {
+    case FieldKind::Check: widgetKind = Kind::CheckBox; break;
+    case FieldKind::Combo: widgetKind = Kind::ComboBox; break;
+    case FieldKind::Spin: widgetKind = Kind::SpinBox; break;
+    case FieldKind::Readout: widgetKind = Kind::LineEdit; break;
+    case FieldKind::Bulb:
+    case FieldKind::Other: widgetKind = Kind::Label; break;
+    }
+}
+
+const part& CtlField::record() const
+{
+    return model->entry(index).record;
 }
 
 QString CtlField::name() const
 {
-    const QString chipWord = QLatin1Char('_') + field->chip;
-    return field->name.endsWith(chipWord) ? field->name.left(field->name.size() - chipWord.size()) : field->name;
+    const part& field = record();
+    const QString chipWord = QLatin1Char('_') + field.chip;
+    return field.name.endsWith(chipWord) ? field.name.left(field.name.size() - chipWord.size()) : field.name;
 }
 
 namespace {
@@ -85,7 +82,7 @@ bool CtlField::editable() const
 quint32 CtlField::lowest() const
 {
     if (widgetKind == Kind::SpinBox)
-        return quint32(qMax(0, static_cast<const QSpinBox*>(field->widget)->minimum()));
+        return quint32(qMax(0, model->minimum(index)));
     return 0;
 }
 
@@ -95,9 +92,9 @@ quint32 CtlField::highest() const
     case Kind::CheckBox:
         return 1;
     case Kind::ComboBox:
-        return quint32(qMax(0, static_cast<const QComboBox*>(field->widget)->count() - 1));
+        return quint32(qMax(0, model->itemCount(index) - 1));
     default:
-        return field->width >= 32 ? 0xFFFFFFFFu : (1u << field->width) - 1;
+        return record().width >= 32 ? 0xFFFFFFFFu : (1u << record().width) - 1;
     }
 }
 
@@ -117,19 +114,16 @@ QString CtlField::allowed() const
 
 QStringList CtlField::items() const
 {
-    QStringList list;
-    if (const auto* box = qobject_cast<const QComboBox*>(field->widget))
-        for (int i = 0; i < box->count(); ++i)
-            list.append(box->itemText(i));
-    return list;
+    return widgetKind == Kind::ComboBox ? model->items(index) : QStringList();
 }
 
 QList<int> CtlField::registers() const
 {
+    const part& field = record();
     QList<int> list;
-    for (int s = 0; s < field->positions.size() && s < field->widths.size(); ++s) {
-        const qint64 start = field->positions.at(s);
-        for (qint64 r = start >> 3; r <= (start + qint64(field->widths.at(s)) - 1) >> 3; ++r)
+    for (int s = 0; s < field.positions.size() && s < field.widths.size(); ++s) {
+        const qint64 start = field.positions.at(s);
+        for (qint64 r = start >> 3; r <= (start + qint64(field.widths.at(s)) - 1) >> 3; ++r)
             if (!list.contains(int(r)))
                 list.append(int(r));
     }
@@ -139,29 +133,18 @@ QList<int> CtlField::registers() const
 
 quint32 CtlField::code() const
 {
-    const quint32 bits = map->fieldImageValue(*field, map->guiImage);
-    return field->inverted ? (bits == 0 ? 1u : 0u) : bits;
+    const part& field = record();
+    const quint32 bits = RegisterImages::fieldValue(field, model->images().guiImage);
+    return field.inverted ? (bits == 0 ? 1u : 0u) : bits;
 }
 
 void CtlField::setCode(quint32 value) const
 {
-    QObject* w = field->widget;
-    switch (widgetKind) {
-    case Kind::CheckBox:
-        static_cast<QCheckBox*>(w)->setChecked(value != 0);
-        break;
-    case Kind::ComboBox:
-        static_cast<QComboBox*>(w)->setCurrentIndex(int(value));
-        break;
-    case Kind::SpinBox:
-        static_cast<QSpinBox*>(w)->setValue(int(value));
-        break;
-    default:
-        break;
-    }
+    if (editable())
+        model->setValue(index, widgetKind == Kind::CheckBox ? (value != 0 ? 1 : 0) : qint64(value));
 }
 
 QString CtlField::text() const
 {
-    return CommentBuilder::fieldText(*map, *field, field->position);
+    return CommentBuilder::fieldText(*model, index, record().position);
 }

@@ -1,11 +1,12 @@
-// One register field as zv4280ctl names and sets it: its widget's kind, the
-// codes it takes, and its code as the widget holds it.
+// One register field as zv4280ctl names and sets it, on the engine's form
+// model: its widget's kind, the codes it takes, and its code as the widget
+// holds it.
 #pragma once
 
 #include <QString>
 #include <QStringList>
 
-class mapshow;
+class FormModel;
 struct part;
 
 class CtlField
@@ -14,13 +15,13 @@ public:
     enum class Kind { CheckBox, ComboBox, SpinBox, Label, LineEdit };
 
     // The field of a name with or without the chip word ("ChA_PLL_RDiv" or
-    // "ChA_PLL_RDiv_ZV4280v2"); not valid when the map has none.
-    CtlField(mapshow& map, const QString& name);
-    // A field of the map.
-    CtlField(mapshow& map, const part& field);
+    // "ChA_PLL_RDiv_ZV4280v2"); not valid when the model has none.
+    CtlField(FormModel& model, const QString& name);
+    // A field of the model by its index.
+    CtlField(FormModel& model, int field);
 
-    bool valid() const { return field != nullptr; }
-    const part& record() const { return *field; }
+    bool valid() const { return index >= 0; }
+    const part& record() const;
     // The name without the chip word.
     QString name() const;
     Kind kind() const { return widgetKind; }
@@ -52,7 +53,7 @@ public:
     QString text() const;
 
 private:
-    mapshow* map = nullptr;
-    const part* field = nullptr;
+    FormModel* model = nullptr;
+    int index = -1;
     Kind widgetKind = Kind::Label;
 };

@@ -3,6 +3,7 @@
 
 #include "MainClass.h"
 #include "clerk.h"
+#include "mapshow.h"
 #include "headless_filter.h"
 #include "service_block.h"
 #include "usb_link.h"
@@ -29,6 +30,16 @@ MainClass& CtlSession::window()
 mapshow& CtlSession::map()
 {
     return *window().firstMap();
+}
+
+RegisterImages& CtlSession::images()
+{
+    return map().images;
+}
+
+FormModel& CtlSession::model()
+{
+    return *window().model();
 }
 
 usb_link& CtlSession::link()

@@ -8,6 +8,8 @@
 #include <memory>
 
 class MainClass;
+class FormModel;
+class RegisterImages;
 class mapshow;
 class usb_link;
 
@@ -21,6 +23,9 @@ public:
     // The main window with all forms bound, built on first use.
     MainClass& window();
     mapshow& map();
+    // The chip's register images and the forms' state, without widgets.
+    RegisterImages& images();
+    FormModel& model();
     // The USB link: the panel's once the window is built, else one of the
     // session's own (single registers need no forms).
     usb_link& link();

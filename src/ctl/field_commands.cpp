@@ -6,7 +6,8 @@
 #include "ctl_options.h"
 #include "ctl_output.h"
 #include "ctl_session.h"
-#include "mapshow.h"
+#include "engine/form_model.h"
+#include "engine/register_images.h"
 #include "part.h"
 #include "usb_link.h"
 
@@ -25,7 +26,7 @@ int FieldCommands::boardFailure(const QString& what)
 bool FieldCommands::resolve(const QStringList& names, QList<CtlField>* fields, int* status)
 {
     for (const QString& name : names) {
-        const CtlField f(session.map(), name);
+        const CtlField f(session.model(), name);
         if (!f.valid()) {
             *status = out.fail(CtlExit::Usage,
                                QStringLiteral("no field \"%1\" (zv4280ctl fields lists them)").arg(name));
@@ -101,7 +102,7 @@ int FieldCommands::write(const QStringList& assignments)
     for (int i = 0; i < fields.size(); ++i)
         fields.at(i).setCode(codes.at(i));
 
-    const mapshow& map = session.map();
+    const RegisterImages& map = session.images();
     QJsonArray written;
     for (quint32 r = 0; r < map.registerCount; ++r)
         if (map.guiImage[r] != map.icImage[r])
@@ -148,8 +149,8 @@ int FieldCommands::list(const QStringList& names)
 {
     QList<CtlField> fields;
     if (names.isEmpty()) {
-        for (const part* p : qAsConst(session.map().parts))
-            fields.append(CtlField(session.map(), *p));
+        for (int f = 0; f < session.model().fieldCount(); ++f)
+            fields.append(CtlField(session.model(), f));
     } else {
         int status = 0;
         if (!resolve(names, &fields, &status))

@@ -1,14 +1,13 @@
 // load and save of zv4280ctl.
 #include "file_commands.h"
 
-#include "MainClass.h"
 #include "ctl_board.h"
 #include "ctl_options.h"
 #include "ctl_output.h"
 #include "ctl_session.h"
 #include "hex_format.h"
 #include "hex_reader.h"
-#include "mapshow.h"
+#include "engine/register_images.h"
 
 #include <cstring>
 
@@ -32,14 +31,14 @@ int FileCommands::checkLoad(const QString& file, int* status)
         *status = out.fail(CtlExit::Usage, refusal.isEmpty() ? QStringLiteral("cannot read \"%1\"").arg(file) : refusal);
         return -1;
     }
-    const mapshow& map = session.map();
+    const RegisterImages& map = session.images();
     int registers = 0;
     for (int i = 0; i < lines.size(); ++i) {
         const QString& line = lines.at(i);
         switch (HexFormat::classify(line)) {
         case HexFormat::LineKind::Map: {
             const QString name = HexFormat::loadedMapName(line);
-            if (!session.window().maps.contains(name)) {
+            if (name != map.chipName) {
                 *status = out.fail(CtlExit::Usage, HexFormat::refusedLine(file, i + 1, line,
                                                                           QStringLiteral("the map \"%1\" is not this chip's; a saved file names it \"%2\"")
                                                                               .arg(HexFormat::mapName(line), HexFormat::mapLine(map.chipName))));
@@ -106,7 +105,7 @@ int FileCommands::save(const QString& file, bool comments, bool changesOnly, con
     QString failure = session.run(1);
     if (!failure.isEmpty())
         return boardFailure(failure);
-    mapshow& map = session.map();
+    RegisterImages& map = session.images();
     if (changesOnly) // what the chip gave is compared with the base
         std::memcpy(map.icImage, map.cfgImage, map.registerCount);
     failure = session.run(6, file, false);

@@ -5,7 +5,8 @@
 #include "ctl_options.h"
 #include "ctl_output.h"
 #include "ctl_session.h"
-#include "mapshow.h"
+#include "engine/form_model.h"
+#include "engine/register_images.h"
 #include "register_names.h"
 #include "usb_link.h"
 
@@ -58,7 +59,7 @@ int RegisterCommands::dump(const QString& style)
     if (!failure.isEmpty())
         return boardFailure(failure);
 
-    const mapshow& map = session.map();
+    const RegisterImages& map = session.images();
     QJsonArray values;
     QString header = QStringLiteral("    ");
     for (int c = 0; c < 16; ++c)

@@ -70,6 +70,7 @@ Catalogue::Catalogue()
         f.group = text(row.group);
         f.groupName = text(row.groupName);
         f.caption = text(row.caption);
+        f.captionObject = text(row.captionObject);
         f.checkText = text(row.checkText);
         if (row.itemCount > 0) {
             QStringList& items = itemLists[row.firstItem];

@@ -19,6 +19,7 @@ struct FieldEntry
     FieldKind kind = FieldKind::Other;
     QString window, tab, group, groupName; // window: its key among the main window's windows
     QString caption, checkText;            // caption: the text of its "<stem>LabelG" sibling
+    QString captionObject;                 // that sibling's object name; empty when it has none
     QStringList items;                     // a combo box's item texts
     int minimum = 0, maximum = 99;         // a spin box's range in the form
     bool enabled = true, ancestorsEnabled = true;

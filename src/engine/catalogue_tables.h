@@ -13,7 +13,7 @@ struct CatalogueTables
     // Members in the order in which the generator writes them.
     struct Field
     {
-        quint32 objectName, key, chip, window, tab, group, groupName, caption, checkText, display;
+        quint32 objectName, key, chip, window, tab, group, groupName, caption, captionObject, checkText, display;
         quint32 firstSegment, segmentCount, firstItem, itemCount;
         quint32 kind; // a FieldKind
         bool inverted, joined, enabled, ancestorsEnabled;

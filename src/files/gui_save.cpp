@@ -2,11 +2,13 @@
 #include "gui_save.h"
 
 #include "comment_builder.h"
-#include "mapshow.h"
+#include "engine/form_model.h"
+#include "engine/register_images.h"
 #include "save_filter.h"
 
-GuiSave GuiSave::take(const mapshow& map, const QMap<QString, int>& settings)
+GuiSave GuiSave::take(const FormModel& model, const QMap<QString, int>& settings)
 {
+    const RegisterImages& map = model.images();
     GuiSave save;
     save.chipName = map.chipName;
     save.guiImage = QByteArray(reinterpret_cast<const char*>(map.guiImage), int(map.registerCount));
@@ -14,8 +16,8 @@ GuiSave GuiSave::take(const mapshow& map, const QMap<QString, int>& settings)
     save.changesOnly = settings.value(QStringLiteral("ChangesOnly"), 0) != 0;
     save.withComments = settings.value(QStringLiteral("HexComment"), 0) != 0;
     if (save.withComments)
-        save.comments = CommentBuilder::build(map, save.changesOnly);
-    save.leftOut = SaveFilter::leftOut(map, settings.value(QStringLiteral("StatusBits"), 1) != 0,
+        save.comments = CommentBuilder::build(model, save.changesOnly);
+    save.leftOut = SaveFilter::leftOut(model.catalogue(), settings.value(QStringLiteral("StatusBits"), 1) != 0,
                                        settings.value(QStringLiteral("ServiceBits"), 1) != 0);
     return save;
 }

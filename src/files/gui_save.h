@@ -8,7 +8,7 @@
 #include <QStringList>
 #include <QVector>
 
-class mapshow;
+class FormModel;
 
 struct GuiSave
 {
@@ -22,6 +22,6 @@ struct GuiSave
 
     // The map's images, comments and filters under the panel's flags
     // "ChangesOnly", "HexComment", "StatusBits" and "ServiceBits" (the last
-    // two count as on when missing). Reads widgets: GUI thread only.
-    static GuiSave take(const mapshow& map, const QMap<QString, int>& settings);
+    // two count as on when missing), from the form model on its thread.
+    static GuiSave take(const FormModel& model, const QMap<QString, int>& settings);
 };

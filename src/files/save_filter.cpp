@@ -1,21 +1,21 @@
 // The registers that a full save leaves out, by the kinds of their fields.
 #include "save_filter.h"
 
-#include "mapshow.h"
-#include "part.h"
+#include "engine/catalogue.h"
 
 #include <functional>
 
 namespace {
 
 // Per register: it holds at least one field, and `is` holds for all of them.
-QVector<bool> registersWhereAll(const mapshow& map, const std::function<bool(const part&)>& is)
+QVector<bool> registersWhereAll(const Catalogue& catalogue, const std::function<bool(const FieldEntry&)>& is)
 {
-    const int count = int(map.registerCount);
+    const int count = int(catalogue.registerCount());
     QVector<bool> any(count, false);
     QVector<bool> all(count, true);
-    for (const part* field : map.parts) {
-        const bool yes = is(*field);
+    for (const FieldEntry& entry : catalogue.fields()) {
+        const part* field = &entry.record;
+        const bool yes = is(entry);
         const int ranges = qMin(field->positions.size(), field->widths.size());
         for (int i = 0; i < ranges; ++i) {
             if (field->widths.at(i) == 0)
@@ -35,34 +35,28 @@ QVector<bool> registersWhereAll(const mapshow& map, const std::function<bool(con
 
 } // namespace
 
-QVector<bool> SaveFilter::statusRegisters(const mapshow& map)
+QVector<bool> SaveFilter::statusRegisters(const Catalogue& catalogue)
 {
-    return registersWhereAll(map, [](const part& field) {
-        if (!field.widget)
-            return false;
-        const QString cls = QString::fromLatin1(field.widget->metaObject()->className());
-        return cls.contains(QLatin1String("QLabel")) || cls.contains(QLatin1String("QLineEdit"));
+    return registersWhereAll(catalogue, [](const FieldEntry& field) {
+        return field.kind == FieldKind::Bulb || field.kind == FieldKind::Readout;
     });
 }
 
-QVector<bool> SaveFilter::serviceRegisters(const mapshow& map)
+QVector<bool> SaveFilter::serviceRegisters(const Catalogue& catalogue)
 {
-    return registersWhereAll(map, [](const part& field) {
+    return registersWhereAll(catalogue, [](const FieldEntry& field) {
         static const QStringList windows = {QStringLiteral("GrGenServ"), QStringLiteral("GrAllSS"),
                                             QStringLiteral("GrSChA"),    QStringLiteral("GrSChB"),
                                             QStringLiteral("GrSChC"),    QStringLiteral("GrSChD")};
-        const QObject* top = field.widget;
-        while (top && top->parent())
-            top = top->parent();
-        return top && windows.contains(top->objectName());
+        return windows.contains(field.window);
     });
 }
 
-QVector<bool> SaveFilter::leftOut(const mapshow& map, bool saveStatus, bool saveService)
+QVector<bool> SaveFilter::leftOut(const Catalogue& catalogue, bool saveStatus, bool saveService)
 {
-    QVector<bool> out(int(map.registerCount), false);
-    const QVector<bool> status = saveStatus ? out : statusRegisters(map);
-    const QVector<bool> service = saveService ? out : serviceRegisters(map);
+    QVector<bool> out(int(catalogue.registerCount()), false);
+    const QVector<bool> status = saveStatus ? out : statusRegisters(catalogue);
+    const QVector<bool> service = saveService ? out : serviceRegisters(catalogue);
     for (int r = 0; r < out.size(); ++r)
         out[r] = status.at(r) || service.at(r);
     return out;

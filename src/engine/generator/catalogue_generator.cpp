@@ -218,8 +218,10 @@ private:
         f.groupName = place.groupName;
         // The caption "ChA_PLL_LILabelG" of the field "ChA_PLL_LI_ZV4280v2".
         const QString& key = record.name;
-        if (const Widget* caption = sibling(parent, key.left(key.lastIndexOf(QLatin1Char('_'))) + "LabelG", true))
+        if (const Widget* caption = sibling(parent, key.left(key.lastIndexOf(QLatin1Char('_'))) + "LabelG", true)) {
             f.caption = caption->properties.value(QStringLiteral("text"));
+            f.captionObject = caption->name;
+        }
         if (f.kind == FieldKind::Check)
             f.checkText = w.properties.value(QStringLiteral("text"));
         if (f.kind == FieldKind::Combo)
@@ -323,7 +325,7 @@ QString writeSource(const QString& path, const QStringList& forms, Collector& c)
         }
         out << "    {" << id(f.objectName) << ", " << id(r.name) << ", " << id(r.chip) << ", "
             << id(f.window) << ", " << id(f.tab) << ", " << id(f.group) << ", "
-            << id(f.groupName) << ", " << id(f.caption) << ", " << id(f.checkText) << ", "
+            << id(f.groupName) << ", " << id(f.caption) << ", " << id(f.captionObject) << ", " << id(f.checkText) << ", "
             << id(f.display) << ", " << segments.size() << ", " << r.positions.size() << ", "
             << itemLists.value(list) << ", " << f.items.size() << ", " << int(f.kind) << ", " << flag(r.inverted)
             << ", " << flag(r.joined) << ", " << flag(f.enabled) << ", " << flag(f.ancestorsEnabled) << ", "

@@ -1,152 +1,40 @@
+// The status docks and the expert windows: forms without logic of their own,
+// whose fields the main window binds like all others. One window class shows
+// any of them; each window's name is that class over its form.
 #pragma once
+
+#include "ui_GrAllSS.h"
+#include "ui_GrGenServ.h"
+#include "ui_GrSChA.h"
+#include "ui_GrSChB.h"
+#include "ui_GrSChC.h"
+#include "ui_GrSChD.h"
+#include "ui_dockA.h"
+#include "ui_dockB.h"
+#include "ui_dockC.h"
+#include "ui_dockD.h"
+#include "ui_dockMain.h"
 
 #include <QWidget>
 
-// The status docks and the expert windows: forms without logic of their own,
-// whose fields the main window binds like all others.
-
-namespace Ui {
-class dockA;
-class dockB;
-class dockC;
-class dockD;
-class dockMain;
-class GrAllSS;
-class GrGenServ;
-class GrSChA;
-class GrSChB;
-class GrSChC;
-class GrSChD;
-}
-
-class dockA : public QWidget
+template <class Form>
+class FormWindow final : public QWidget
 {
-    Q_OBJECT
-
 public:
-    explicit dockA(QWidget* parent = nullptr);
-    ~dockA() override;
+    explicit FormWindow(QWidget* parent = nullptr) : QWidget(parent) { form.setupUi(this); }
 
 private:
-    Ui::dockA* ui;
+    Form form;
 };
 
-class dockB : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit dockB(QWidget* parent = nullptr);
-    ~dockB() override;
-
-private:
-    Ui::dockB* ui;
-};
-
-class dockC : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit dockC(QWidget* parent = nullptr);
-    ~dockC() override;
-
-private:
-    Ui::dockC* ui;
-};
-
-class dockD : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit dockD(QWidget* parent = nullptr);
-    ~dockD() override;
-
-private:
-    Ui::dockD* ui;
-};
-
-class dockMain : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit dockMain(QWidget* parent = nullptr);
-    ~dockMain() override;
-
-private:
-    Ui::dockMain* ui;
-};
-
-class GrAllSS : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit GrAllSS(QWidget* parent = nullptr);
-    ~GrAllSS() override;
-
-private:
-    Ui::GrAllSS* ui;
-};
-
-class GrGenServ : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit GrGenServ(QWidget* parent = nullptr);
-    ~GrGenServ() override;
-
-private:
-    Ui::GrGenServ* ui;
-};
-
-class GrSChA : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit GrSChA(QWidget* parent = nullptr);
-    ~GrSChA() override;
-
-private:
-    Ui::GrSChA* ui;
-};
-
-class GrSChB : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit GrSChB(QWidget* parent = nullptr);
-    ~GrSChB() override;
-
-private:
-    Ui::GrSChB* ui;
-};
-
-class GrSChC : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit GrSChC(QWidget* parent = nullptr);
-    ~GrSChC() override;
-
-private:
-    Ui::GrSChC* ui;
-};
-
-class GrSChD : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit GrSChD(QWidget* parent = nullptr);
-    ~GrSChD() override;
-
-private:
-    Ui::GrSChD* ui;
-};
+using dockA = FormWindow<Ui::dockA>;
+using dockB = FormWindow<Ui::dockB>;
+using dockC = FormWindow<Ui::dockC>;
+using dockD = FormWindow<Ui::dockD>;
+using dockMain = FormWindow<Ui::dockMain>;
+using GrAllSS = FormWindow<Ui::GrAllSS>;
+using GrGenServ = FormWindow<Ui::GrGenServ>;
+using GrSChA = FormWindow<Ui::GrSChA>;
+using GrSChB = FormWindow<Ui::GrSChB>;
+using GrSChC = FormWindow<Ui::GrSChC>;
+using GrSChD = FormWindow<Ui::GrSChD>;

@@ -23,6 +23,7 @@ CtlField::CtlField(FormModel& owner, int field) : model(&owner), index(field)
     case FieldKind::Spin: widgetKind = Kind::SpinBox; break;
     case FieldKind::Readout: widgetKind = Kind::LineEdit; break;
     case FieldKind::Bulb:
+    case FieldKind::DoubleSpin:
     case FieldKind::Other: widgetKind = Kind::Label; break;
     }
 }

@@ -5,9 +5,11 @@
 
 #include <QString>
 
-enum class FieldKind { Check, Combo, Spin, Bulb, Readout, Other };
+enum class FieldKind { Check, Combo, Spin, DoubleSpin, Bulb, Readout, Other };
 
-// "QCheckBox" gives Check, "QComboBox" Combo, "QSpinBox" Spin, "QLabel" Bulb
-// (every label field has one bit), "QLineEdit" Readout; any other class,
-// Other. Case does not count.
+// "QCheckBox" and "QRadioButton" give Check, "QComboBox" Combo, "QSpinBox"
+// Spin, "QDoubleSpinBox" DoubleSpin, "QLabel" Bulb (a label field of one bit
+// shows a bulb, a wider one its number), "QLineEdit" Readout; any other
+// class, Other. Case does not count. The forms hold no radio button and no
+// double spin box, but a field may be one.
 FieldKind fieldKindOf(const QString& className);

@@ -225,6 +225,7 @@ void FormModel::showImage(int field, const quint8* image)
     case FieldKind::Readout:
         setText(e.objectName, QString::number(value));
         break;
+    case FieldKind::DoubleSpin:
     case FieldKind::Other:
         break;
     }

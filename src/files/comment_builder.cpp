@@ -45,6 +45,7 @@ QString CommentBuilder::fieldText(const FormModel& model, int field, qint64 star
             text += QString::number(RegisterImages::getBit(model.images().guiImage, qint32(start)));
         return text;
     }
+    case FieldKind::DoubleSpin:
     case FieldKind::Other:
         break;
     }

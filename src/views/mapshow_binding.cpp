@@ -1,4 +1,5 @@
 #include "mapshow.h"
+#include "engine/field_kind.h"
 #include "part.h"
 
 #include <QCheckBox>
@@ -11,29 +12,14 @@
 #include <QSpinBox>
 
 // Moving a field's value between its widget and an image. Widget classes are
-// told apart by the class name of their meta-object.
+// told apart by the class name of their meta-object, as the catalogue tells
+// them.
 
 namespace {
 
-enum class Kind { Check, Combo, Spin, DoubleSpin, Label, LineEdit, Other };
-
-Kind kindOf(const QObject* w)
+FieldKind kindOf(const QObject* w)
 {
-    const QLatin1String cls(w->metaObject()->className());
-    auto is = [&](const char* name) { return cls.compare(QLatin1String(name), Qt::CaseInsensitive) == 0; };
-    if (is("QCheckBox") || is("QRadioButton"))
-        return Kind::Check;
-    if (is("QComboBox"))
-        return Kind::Combo;
-    if (is("QSpinBox"))
-        return Kind::Spin;
-    if (is("QDoubleSpinBox"))
-        return Kind::DoubleSpin;
-    if (is("QLabel"))
-        return Kind::Label;
-    if (is("QLineEdit"))
-        return Kind::LineEdit;
-    return Kind::Other;
+    return fieldKindOf(QLatin1String(w->metaObject()->className()));
 }
 
 quint32 invert(const part& p, quint32 value)
@@ -51,17 +37,17 @@ quint32 mapshow::getPartValue(const QString& fieldKey)
     QObject* w = p->widget;
     qint64 value = 0;
     switch (kindOf(w)) {
-    case Kind::Check:
+    case FieldKind::Check:
         value = static_cast<QAbstractButton*>(w)->isChecked() ? 1 : 0;
         break;
-    case Kind::Combo:
+    case FieldKind::Combo:
         value = static_cast<QComboBox*>(w)->currentIndex();
         // A code for which the list has no item leaves the box without a
         // current item; the image keeps the code it has.
         if (value < 0)
             return fieldImageValue(*p, guiImage);
         break;
-    case Kind::Spin: {
+    case FieldKind::Spin: {
         auto* box = static_cast<QSpinBox*>(w);
         value = box->value();
         if (value < 0)
@@ -73,12 +59,12 @@ quint32 mapshow::getPartValue(const QString& fieldKey)
         }
         break;
     }
-    case Kind::DoubleSpin:
+    case FieldKind::DoubleSpin:
         value = qint64(static_cast<QDoubleSpinBox*>(w)->value());
         break;
-    case Kind::Label:
-    case Kind::LineEdit:
-    case Kind::Other:
+    case FieldKind::Bulb:
+    case FieldKind::Readout:
+    case FieldKind::Other:
         value = 0;
         break;
     }
@@ -93,10 +79,10 @@ void mapshow::setPartValue(const QString& fieldKey, const quint8* image)
     const quint32 value = invert(*p, fieldImageValue(*p, image));
     QObject* w = p->widget;
     switch (kindOf(w)) {
-    case Kind::Check:
+    case FieldKind::Check:
         static_cast<QAbstractButton*>(w)->setChecked(value != 0);
         break;
-    case Kind::Combo: {
+    case FieldKind::Combo: {
         auto* box = static_cast<QComboBox*>(w);
         // A code the list has no item for leaves the box without a current
         // item, and the image keeps the code: it goes into guiImage first, so
@@ -106,13 +92,13 @@ void mapshow::setPartValue(const QString& fieldKey, const quint8* image)
         box->setCurrentIndex(int(value));
         break;
     }
-    case Kind::Spin:
+    case FieldKind::Spin:
         static_cast<QSpinBox*>(w)->setValue(int(value));
         break;
-    case Kind::DoubleSpin:
+    case FieldKind::DoubleSpin:
         static_cast<QDoubleSpinBox*>(w)->setValue(value);
         break;
-    case Kind::Label: {
+    case FieldKind::Bulb: {
         auto* label = static_cast<QLabel*>(w);
         if (p->width < 2) {
             label->setPixmap(QPixmap(value ? QStringLiteral(":/Bulb-good.png") : QStringLiteral(":/Bulb-bad.png")));
@@ -123,10 +109,10 @@ void mapshow::setPartValue(const QString& fieldKey, const quint8* image)
         }
         break;
     }
-    case Kind::LineEdit:
+    case FieldKind::Readout:
         static_cast<QLineEdit*>(w)->setText(QString::number(value));
         break;
-    case Kind::Other:
+    case FieldKind::Other:
         break;
     }
 }

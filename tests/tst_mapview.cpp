@@ -1,7 +1,6 @@
 #include "MainClass.h"
 #include "mapshow.h"
 #include "part.h"
-#include "reg_table_model.h"
 #include "table_named_model.h"
 #include "table_triada_model.h"
 #include "testsupport.h"
@@ -294,38 +293,6 @@ private slots:
         m->setData(m->index(6, 8), "1"); // writes D4, CLK_EN's bit
         QCOMPARE(named->guiImage[6], quint8(0x10));
         QCOMPARE(named->getPartValue("CLK_EN_ZV4280v2"), 1u);
-    }
-
-    // The bit table model: the triad geometry with a fixed number of columns
-    // and its own texts and colours.
-    void regTable()
-    {
-        quint8 gui[8] = {0x81, 0, 0, 0, 0, 0, 0, 0}, ic[8] = {0x01}, cfg[8] = {0, 0, 0, 0, 0, 0x3C};
-        quint8* images[3] = {gui, ic, cfg};
-        RegTableModel m(images, 6, 4, nullptr);
-        QCOMPARE(m.columnCount(), 36);
-        QCOMPARE(m.rowCount(), 12);
-        QCOMPARE(m.setRegisterColumns(6), 6);
-        QCOMPARE(m.setRegisterColumns(4), 12);
-        QCOMPARE(m.index(0, 9).data(), QVariant(1));
-        QCOMPARE(m.index(6, 9).data(), QVariant(5));
-        QCOMPARE(m.index(0, 0).data(Qt::TextAlignmentRole).toInt(), 132);
-        // "row column text" and "row column background"; D7 of register 0
-        // differs from the chip's image on every image line.
-        for (const QString c : {"1 8 hh", "2 8 81", "11 0 ", "6 18 -", "10 9 0", "10 17 3C"})
-            QCOMPARE(text(&m, c.section(' ', 0, 0).toInt(), c.section(' ', 1, 1).toInt()), c.section(' ', 2));
-        for (const QString c : {"2 0 #00BFFF", "3 0 #00BFFF", "4 0 #00BFFF", "5 0 #00BFFF", "2 7 #DDDDDD",
-                                "3 6 #FFFFFF", "8 18 #DDDDDD", "2 8 #FFFF00", "0 0 none"})
-            QCOMPARE(colour(&m, c.section(' ', 0, 0).toInt(), c.section(' ', 1, 1).toInt()), c.section(' ', 2));
-        QStringList vertical;
-        for (int section = 0; section < 7; ++section)
-            vertical << m.headerData(section, Qt::Vertical).toString();
-        QCOMPARE(vertical, QStringList({"Reg", "Bit", "wr", "rd", "cfg", "", "Reg"}));
-        QCOMPARE(m.headerData(0, Qt::Horizontal), QVariant(QString()));
-        QSignalSpy spy(&m, &QAbstractItemModel::dataChanged);
-        QVERIFY(!m.setData(m.index(2, 0), "0"));
-        QCOMPARE(cells(spy), QStringList({"2,0"}));
-        QCOMPARE(gui[0], quint8(0x81));
     }
 };
 

@@ -5,8 +5,6 @@
 #include "engine/form_model.h"
 #include "engine/register_images.h"
 
-#include <algorithm>
-
 CtlField::CtlField(FormModel& owner, const QString& name) : model(&owner)
 {
     const QString chipWord = QLatin1Char('_') + owner.catalogue().chipName();
@@ -120,16 +118,7 @@ QStringList CtlField::items() const
 
 QList<int> CtlField::registers() const
 {
-    const part& field = record();
-    QList<int> list;
-    for (int s = 0; s < field.positions.size() && s < field.widths.size(); ++s) {
-        const qint64 start = field.positions.at(s);
-        for (qint64 r = start >> 3; r <= (start + qint64(field.widths.at(s)) - 1) >> 3; ++r)
-            if (!list.contains(int(r)))
-                list.append(int(r));
-    }
-    std::sort(list.begin(), list.end());
-    return list;
+    return registersOf(record()).toList();
 }
 
 quint32 CtlField::code() const

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+#include <algorithm>
+
 // Field names are read from the end: [mark] width position chip words... "ZV".
 std::optional<part> parseFieldName(const QString& name)
 {
@@ -74,4 +76,19 @@ QString buildToolTip(const part& p)
         text.chop(1);
     }
     return text;
+}
+
+QVector<int> registersOf(const part& field)
+{
+    QVector<int> list;
+    for (int s = 0; s < field.positions.size() && s < field.widths.size(); ++s) {
+        if (field.widths.at(s) == 0)
+            continue;
+        const qint64 start = field.positions.at(s);
+        for (qint64 r = start >> 3; r <= (start + qint64(field.widths.at(s)) - 1) >> 3; ++r)
+            list.append(int(r));
+    }
+    std::sort(list.begin(), list.end());
+    list.erase(std::unique(list.begin(), list.end()), list.end());
+    return list;
 }

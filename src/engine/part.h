@@ -26,6 +26,9 @@ struct part
 // name. QtCore only: the catalogue's generator reads the forms with it.
 std::optional<part> parseFieldName(const QString& objectName);
 
+// The registers that a field's bits touch, in rising order, each once.
+QVector<int> registersOf(const part& field);
+
 // Register location of a field, e.g. "Reg21 <D4-D0>" or
 // "Reg17 <D6-D0>,Reg18 <D7-D0>,Reg19 <D7-D0>".
 QString buildToolTip(const part& p);

@@ -14,18 +14,12 @@ QVector<bool> registersWhereAll(const Catalogue& catalogue, const std::function<
     QVector<bool> any(count, false);
     QVector<bool> all(count, true);
     for (const FieldEntry& entry : catalogue.fields()) {
-        const part* field = &entry.record;
         const bool yes = is(entry);
-        const int ranges = qMin(field->positions.size(), field->widths.size());
-        for (int i = 0; i < ranges; ++i) {
-            if (field->widths.at(i) == 0)
-                continue;
-            const qint64 first = qint64(field->positions.at(i)) >> 3;
-            const qint64 last = (qint64(field->positions.at(i)) + field->widths.at(i) - 1) >> 3;
-            for (qint64 r = first; r <= last && r < count; ++r) {
-                any[int(r)] = true;
-                all[int(r)] = all.at(int(r)) && yes;
-            }
+        for (int r : registersOf(entry.record)) {
+            if (r >= count)
+                break;
+            any[r] = true;
+            all[r] = all.at(r) && yes;
         }
     }
     for (int r = 0; r < count; ++r)

@@ -8,14 +8,7 @@
 #include <QListView>
 #include <QStandardItemModel>
 #include <QMessageBox>
-#include <QSerialPortInfo>
 #include <QSpinBox>
-
-namespace {
-// Serial bridges: the FPGA board's and the STM32 board's vendors.
-constexpr quint16 kFpgaVendor = 0x2341;
-constexpr quint16 kStm32Vendor = 0x0483;
-} // namespace
 
 service_block::service_block(QWidget* parent) : QWidget(parent), ui(new Ui::service_block)
 {
@@ -114,47 +107,17 @@ void service_block::changeFlag(int value)
     if (!s)
         return;
     store(s);
+    // Only the bridge boards (interface 0) are served: the panel offers no
+    // other interface.
     const QString name = s->objectName();
     if (name.contains(QLatin1String("interfaceCheck")))
         usb->interfaceKind = value;
-    if (name.contains(QLatin1String("flag_interfaceCheck"))) {
-        switch (value) {
-        case 0:
-            usb->scanDevices();
-            fillDevices(usb->deviceList);
-            usb->interfaceKind = 0;
-            break;
-        case 1:
-        case 2: {
-            usb->deviceList = serialPorts(value == 1 ? kFpgaVendor : kStm32Vendor);
-            usb->interfaceKind = value;
-            if (value == 1)
-                usb->comPort = ui->flag_currentInterface->currentText();
-            fillDevices(usb->deviceList);
-            usb->comSpeed = ui->flag_speedCom->currentText().toInt();
-            if (value == 1)
-                ui->flag_speedCom->setEnabled(true);
-            break;
-        }
-        default:
-            break;
-        }
+    if (name.contains(QLatin1String("flag_interfaceCheck")) && value == 0) {
+        usb->scanDevices();
+        fillDevices(usb->deviceList);
     }
-    if (name.contains(QLatin1String("flag_currentInterface"))) {
+    if (name.contains(QLatin1String("flag_currentInterface")))
         usb->selectedKey = ui->flag_currentInterface->currentText();
-        usb->comPort = ui->flag_currentInterface->currentText();
-    }
-    if (name.contains(QLatin1String("flag_speedCom")))
-        usb->comSpeed = ui->flag_speedCom->currentText().toInt();
-}
-
-QStringList service_block::serialPorts(quint16 vendor) const
-{
-    QStringList ports;
-    for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts())
-        if (port.vendorIdentifier() == vendor)
-            ports.append(port.portName());
-    return ports;
 }
 
 void service_block::fillDevices(const QStringList& devices)

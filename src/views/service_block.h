@@ -45,7 +45,6 @@ public slots:
 private:
     void store(QObject* control);
     void fillDevices(const QStringList& devices);
-    QStringList serialPorts(quint16 vendor) const;
     quint8 bitRowValue() const;
     void showInterfaceError(quint8 value);
 

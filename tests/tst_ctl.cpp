@@ -498,10 +498,8 @@ private slots:
         mapshow* map = gui.firstMap();
         std::memcpy(map->icImage, saved.constData(), map->registerCount);
         std::memcpy(map->guiImage, saved.constData(), map->registerCount);
-        gui.showOperationResult(1);
-        gui.service->setSetting("HexComment", comments ? 1 : 0);
-        gui.service->setSetting("ChangesOnly", 0);
-        const QString f6 = HexWriter::guiText(GuiSave::take(*map, gui.service->settings));
+        gui.showOperationResult(clerk::Command::ChipToGui);
+        const QString f6 = HexWriter::guiText(GuiSave::take(*map, {{"HexComment", comments}, {"ChangesOnly", 0}}));
         QCOMPARE(QString::fromUtf8(readFile(path("round.hex"))), f6);
 
         fillChip();

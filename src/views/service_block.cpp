@@ -70,8 +70,7 @@ service_block::~service_block()
     delete ui;
 }
 
-// Enters a control's state under its key, the object name less "flag_". The
-// read/write pause is also the pause the worker waits between writes.
+// Enters a control's state under its key, the object name less "flag_".
 void service_block::store(QObject* control)
 {
     const QString key = control->objectName().mid(5);
@@ -84,21 +83,30 @@ void service_block::store(QObject* control)
         value = spin->value();
     else
         return;
-    setSetting(key, value);
-    if (key == QLatin1String("PauseTimer"))
-        setSetting(QStringLiteral("writePause"), value);
-}
-
-int service_block::setting(const QString& key)
-{
-    QMutexLocker guard(&settingsLock);
-    return settings[key];
-}
-
-void service_block::setSetting(const QString& key, int value)
-{
-    QMutexLocker guard(&settingsLock);
     settings[key] = value;
+}
+
+// The one place where the settings' names are read. The read/write pause is
+// also the pause the worker waits before a read-back and between the
+// sections of a file.
+PanelSettings service_block::panelSettings() const
+{
+    PanelSettings s;
+    auto flag = [this](const char* key, int start) { return settings.value(QLatin1String(key), start); };
+    s.readStyle = PanelSettings::Style(flag("ReadStyle", int(s.readStyle)));
+    s.writeStyle = PanelSettings::Style(flag("WriteStyle", int(s.writeStyle)));
+    s.changesOnly = flag("ChangesOnly", s.changesOnly) != 0;
+    s.readBack = flag("InteractiveRefresh", s.readBack) != 0;
+    s.writePauseMs = flag("PauseTimer", s.writePauseMs);
+    s.comments = flag("HexComment", s.comments) != 0;
+    s.mergeFile = flag("MergeFile", s.mergeFile) != 0;
+    s.configCheck = flag("ConfigCheck", s.configCheck) != 0;
+    s.statusBits = flag("StatusBits", s.statusBits) != 0;
+    s.serviceBits = flag("ServiceBits", s.serviceBits) != 0;
+    s.repeatRead = flag("RepeatRead", s.repeatRead) != 0;
+    s.autoPauseSeconds = flag("AutoPause", s.autoPauseSeconds);
+    s.registerNumber = flag("RegisterNumber", s.registerNumber);
+    return s;
 }
 
 void service_block::changeFlag(int value)

@@ -4,11 +4,13 @@
 #include "mapshow.h"
 #include "service_block.h"
 #include "usb_link.h"
+#include "usb_session.h"
 #include "boardsupport.h"
 #include "testsupport.h"
 #include <QtTest>
 #include <QtWidgets>
 #include <cstring>
+#include <optional>
 #include <random>
 
 // zv4280ctl, the real program, run as a child on a simulated board that this
@@ -430,6 +432,7 @@ private slots:
             write(path("saved.hex"), old);
         const QByteArray chipBefore = chip();
         usb_link holder; // another program, that holds the board
+        std::optional<UsbSession> held;
         if (fault == "removed")
             bus->removeBoard(board);
         else if (fault == "unplug")
@@ -437,12 +440,11 @@ private slots:
         else if (fault == "stall")
             bus->stallNext(board, after);
         else if (fault == "busy")
-            QVERIFY(holder.openDevice());
+            QVERIFY(held.emplace(holder).isOpen());
         limitFileSize(fault == "full" ? 4096 : -1);
         const Run r = ctl(args, json);
         limitFileSize(-1);
-        if (fault == "busy")
-            holder.closeDevice();
+        held.reset();
         QVERIFY(failed(r, json, fault.isEmpty() || fault == "full" ? 2 : 1, message));
         QCOMPARE(readFile(path("saved.hex")), old);
         if (fault.isEmpty()) {
@@ -496,10 +498,8 @@ private slots:
         mapshow* map = gui.firstMap();
         std::memcpy(map->icImage, saved.constData(), map->registerCount);
         std::memcpy(map->guiImage, saved.constData(), map->registerCount);
-        gui.showOperationResult(1);
-        gui.service->setSetting("HexComment", comments ? 1 : 0);
-        gui.service->setSetting("ChangesOnly", 0);
-        const QString f6 = HexWriter::guiText(GuiSave::take(*gui.model(), gui.service->settings));
+        gui.showOperationResult(clerk::Command::ChipToGui);
+        const QString f6 = HexWriter::guiText(GuiSave::take(*gui.model(), {{"HexComment", comments}, {"ChangesOnly", 0}}));
         QCOMPARE(QString::fromUtf8(readFile(path("round.hex"))), f6);
 
         fillChip();

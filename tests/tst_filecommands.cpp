@@ -23,7 +23,7 @@ class tst_filecommands : public QObject
     int board = 0;
     QTemporaryDir dir;
 
-    void set(const char* key, int value) { main->service->setSetting(key, value); }
+    void set(const char* key, int value) { main->service->settings[key] = value; }
     QString path(const QString& name) const { return dir.filePath(name); }
     QByteArray image(const quint8* i) const { return imageBytes(i, int(map->registerCount)); }
     static void write(const QString& file, const QByteArray& text) { QVERIFY(writeFile(file, text)); }
@@ -33,12 +33,10 @@ class tst_filecommands : public QObject
     // `progress` hears the progress it reports.
     QString run(int command, const QString& file, QList<int>* progress = nullptr)
     {
-        clerk worker(command, file, main->service, main->maps);
-        if (command == 6)
-            worker.save = GuiSave::take(*main->model(), main->service->settings);
+        std::unique_ptr<clerk> worker(main->newWorker(clerk::Command(command), main->service->panelSettings(), file));
         if (progress)
-            connect(&worker, &clerk::percent_up, this, [progress](int p) { *progress << p; });
-        const QStringList ends = runToEnd(&worker);
+            connect(worker.get(), &clerk::percent_up, this, [progress](int p) { *progress << p; });
+        const QStringList ends = runToEnd(worker.get());
         return ends.size() == 1 ? ends.first() : QStringLiteral("<no single end message>");
     }
     // Answers the next file dialog with a path, as a user types it.
@@ -76,7 +74,7 @@ private slots:
     {
         bus.reset(new zvsim::Testbed);
         board = bus->addBoard();
-        for (auto [key, value] : {std::pair{"ConfigCheck", 1}, {"writePause", 0}, {"MergeFile", 0},
+        for (auto [key, value] : {std::pair{"ConfigCheck", 1}, {"PauseTimer", 0}, {"MergeFile", 0},
                                   {"HexComment", 0}, {"ChangesOnly", 0}})
             set(key, value);
     }
@@ -94,7 +92,7 @@ private slots:
     {
         write(path("two.hex"),
               ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\nReg-1 00\nReg32\t44\n");
-        set("writePause", 60);
+        set("PauseTimer", 60);
         bus->clearWireLog();
         QElapsedTimer clock;
         clock.start();
@@ -117,21 +115,23 @@ private slots:
                 text += (r == 0 && section > 1 ? ";ZV4280v2\nReg" : "Reg") + QByteArray::number(20 * section + r) + " "
                         + QByteArray::number(0x11 * section, 16) + "\n";
         write(path("sections.hex"), text);
-        bus->setRegister(board, 29, 0);
-        set("writePause", 600000);
-        clerk worker(3, path("sections.hex"), main->service, main->maps);
+        // The first section is in when the worker tells its progress; it
+        // waits for this slot, which replugs the board.
+        int replugged = -1;
+        QByteArray fresh;
         QList<int> progress;
-        QStringList ends;
-        connect(&worker, &clerk::percent_up, this, [&progress](int p) { progress << p; });
-        connect(&worker, &clerk::error_mess, this, [&ends](const QString& m) { ends << m; });
-        worker.start();
-        QTRY_COMPARE(bus->registers(board).at(29), char(0x11)); // the first section is in, the pause runs
-        bus->removeBoard(board);
-        const int replugged = bus->addBoard({0x2976, 3, 1, 6});
-        const QByteArray fresh = bus->registers(replugged);
-        set("writePause", 0);
-        QTRY_VERIFY(worker.isFinished() && !ends.isEmpty());
-        QCOMPARE(ends, QStringList{"Write block error\nsections 1 of 3 written (10 of 30 registers); the board changed"});
+        std::unique_ptr<clerk> worker(main->newWorker(clerk::Command::FileToChip, main->service->panelSettings(),
+                                                      path("sections.hex")));
+        connect(worker.get(), &clerk::percent_up, this, [&](int p) {
+            progress << p;
+            if (replugged < 0) {
+                bus->removeBoard(board);
+                replugged = bus->addBoard({0x2976, 3, 1, 6});
+                fresh = bus->registers(replugged);
+            }
+        }, Qt::BlockingQueuedConnection);
+        QCOMPARE(runToEnd(worker.get()),
+                 QStringList{"Write block error\nsections 1 of 3 written (10 of 30 registers); the board changed"});
         QCOMPARE(progress, QList<int>{33});
         QCOMPARE(bus->registers(replugged), fresh);
 

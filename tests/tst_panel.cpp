@@ -33,9 +33,10 @@ private slots:
     {
         const QMap<QString, int> expected = {{"interfaceCheck", 0}, {"currentInterface", -1}, {"speedCom", 5},
             {"ReadStyle", 2}, {"WriteStyle", 1}, {"RepeatRead", 0}, {"AutoPause", 0}, {"ChangesOnly", 1},
-            {"InteractiveRefresh", 1}, {"PauseTimer", 200}, {"writePause", 200}, {"HexComment", 0}, {"MergeFile", 0},
+            {"InteractiveRefresh", 1}, {"PauseTimer", 200}, {"HexComment", 0}, {"MergeFile", 0},
             {"ConfigCheck", 1}, {"StatusBits", 1}, {"ServiceBits", 1}, {"RegisterNumber", 0}};
         QCOMPARE(panel->settings, expected);
+        QVERIFY(panel->panelSettings() == PanelSettings()); // what zv4280ctl starts with
         QCOMPARE(panel->windowTitle(), QStringLiteral("Service settings"));
         QCOMPARE(panel->size(), QSize(330, 300));
         for (const char* n : {"Button_ICFILE", "GrRWRegister", "flag_AutoPause", "flag_ReadStyle", "text_read",
@@ -48,8 +49,7 @@ private slots:
             QCOMPARE(w(n)->property("text").toString(), QString(text));
         QVERIFY(w("Info")->toolTip().contains("<p>5 - не выбран интерфейс</p>")); // it has no translation
         w<QSpinBox>("flag_PauseTimer")->setValue(750);
-        QCOMPARE(panel->settings.value("PauseTimer"), 750);
-        QCOMPARE(panel->settings.value("writePause"), 750);
+        QCOMPARE(panel->panelSettings().writePauseMs, 750);
     }
 
     // Two boards with different release codes: each selection applies to the next access.

@@ -26,7 +26,12 @@ class tst_worker : public QObject
 
     QAction* action(const char* name) const { return main->findChild<QAction*>(name); }
     bool progressShown() const { return main->findChild<QToolBar*>("toolBar_RegWindow")->actions().last()->isVisible(); }
-    void set(const char* key, int value) { main->service->setSetting(key, value); }
+    void set(const char* key, int value) { main->service->settings[key] = value; }
+    // A worker for a command, with the panel's settings.
+    clerk* worker(int command, const QString& file = QString())
+    {
+        return main->newWorker(clerk::Command(command), main->service->panelSettings(), file);
+    }
     QByteArray image(const quint8* i) const { return imageBytes(i, int(map->registerCount)); }
     QByteArray images() const { return image(map->guiImage) + image(map->icImage) + image(map->cfgImage); }
     QByteArray chip() const { return chipRegisters(bus->chip(board)); }
@@ -78,7 +83,7 @@ private slots:
         board = bus->addBoard();
         progress.clear();
         for (auto [key, value] : {std::pair{"ReadStyle", 2}, {"WriteStyle", 1}, {"ChangesOnly", 1},
-                                  {"InteractiveRefresh", 1}, {"writePause", 0}, {"RepeatRead", 0}})
+                                  {"InteractiveRefresh", 1}, {"PauseTimer", 0}, {"RepeatRead", 0}})
             set(key, value);
     }
     void cleanup()
@@ -177,9 +182,8 @@ private slots:
         set("InteractiveRefresh", 0);
         bus->chip(board).setReg(1, quint8(reg1));
         QTemporaryDir dir;
-        clerk worker(command, command == 5 ? QStringLiteral("default.hex") : dir.filePath("x.hex"), main->service,
-                     main->maps);
-        const QStringList ends = runToEnd(&worker);
+        std::unique_ptr<clerk> w(worker(command, command == 5 ? QStringLiteral("default.hex") : dir.filePath("x.hex")));
+        const QStringList ends = runToEnd(w.get());
         QCOMPARE(ends.size(), 1);
         QCOMPARE(ends.first() == "Incorrect chip", refused);
     }
@@ -207,26 +211,27 @@ private slots:
         QFETCH(int, number);
         QFETCH(QString, fault);
         bus->chip(board).setReg(12, 0x5A);
-        set("RegisterNumber", number), set("RegisterValue", 0x77);
+        set("RegisterNumber", number);
         if (fault == "removed")
             bus->removeBoard(board);
         else if (fault == "unplug")
             bus->unplugAfter(board, 2); // after the identity read
-        clerk worker(command, QString(), main->service, main->maps);
-        QTEST(runToEnd(&worker).value(0), "message");
+        std::unique_ptr<clerk> w(worker(command));
+        w->settings.registerValue = 0x77;
+        QTEST(runToEnd(w.get()).value(0), "message");
         const bool done = fault.isEmpty() && number == 12;
-        QCOMPARE(main->service->setting("RegisterValue"), done && command == 7 ? 0x5A : 0x77);
+        QCOMPARE(w->settings.registerValue, done && command == 7 ? 0x5A : 0x77);
         QCOMPARE(bus->chip(board).reg(12), done && command == 8 ? 0x77 : 0x5A);
     }
 
     void endWithoutMaps()
     {
-        clerk worker(1, QString(), main->service, {});
-        QCOMPARE(runToEnd(&worker), QStringList({"Regmap not defined"}));
+        clerk none(clerk::Command::ChipToGui, QString(), main->service->usb, PanelSettings(), {});
+        QCOMPARE(runToEnd(&none), QStringList({"Regmap not defined"}));
         QVERIFY(bus->wireLog().isEmpty());
         for (int command : {0, 9}) {
-            clerk odd(command, QString(), main->service, main->maps);
-            QCOMPARE(runToEnd(&odd), QStringList({"Unexpected error"}));
+            std::unique_ptr<clerk> odd(worker(command));
+            QCOMPARE(runToEnd(odd.get()), QStringList({"Unexpected error"}));
         }
     }
 
@@ -288,7 +293,7 @@ private slots:
 
     void writeReadsBack()
     {
-        set("writePause", 30);
+        set("PauseTimer", 30);
         auto* rdiv = qobject_cast<QSpinBox*>(map->parts.value("ChA_PLL_RDiv_ZV4280v2")->widget);
         rdiv->setValue(rdiv->value() == 5 ? 6 : 5);
         QElapsedTimer clock;
@@ -301,7 +306,7 @@ private slots:
         QCOMPARE(widgetsOffImage(), QStringList());
 
         // A stop once the write is out ends the operation in the pause.
-        set("writePause", 60000);
+        set("PauseTimer", 60000);
         rdiv->setValue(rdiv->value() + 1);
         ModalCatcher catcher;
         bus->clearWireLog();

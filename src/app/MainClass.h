@@ -52,7 +52,7 @@ public:
     // dangles.
     QPointer<clerk> worker;
     bool running = false;
-    int runningCommand = 0;
+    clerk::Command runningCommand = clerk::Command::ChipToGui;
     // Operations started, and ended with their end message dealt with. The
     // window tells both to accessibility tools as its description
     // ("operations: 3 started, 3 ended"), so that a script driving it sees
@@ -71,14 +71,14 @@ public:
     // first.
     QWidget* findWidget(const QString& objectName) const;
 
-    // A worker for a command with what it takes from this window: the panel,
-    // the maps and, for GUI to file, the save taken from the widgets now. The
-    // caller connects it, starts it and owns it.
-    clerk* newWorker(int command, const QString& fileName = QString());
+    // A worker for a command with what it takes from this window: the
+    // panel's USB link, the maps' images and, for GUI to file, the save taken
+    // from the widgets now. The caller connects it, starts it and owns it.
+    clerk* newWorker(clerk::Command command, const PanelSettings& settings, const QString& fileName = QString());
     // The widgets' side of a command that ended well: after a read or a load
     // the widgets show guiImage, a load marks the chip-only status fields
     // "n/a", any other command recomputes the spin boxes' displays.
-    void showOperationResult(int command);
+    void showOperationResult(clerk::Command command);
 
     // Chip to file, from the service panel's (hidden) button. A plain member
     // rather than a slot: the button lives on the panel, so the main form's
@@ -110,11 +110,11 @@ private:
     QAction* progressAction() const;
     // Asks the running operation to stop; false when none runs.
     bool stopRunning();
-    void startOperation(int command, const QString& fileName = QString());
+    void startOperation(clerk::Command command, const QString& fileName = QString());
     void endOperation();
     void showOperationCount();
     QString askFile(bool save, const QString& caption, bool keepFolder = true);
-    void openFileFor(int command);
+    void openFileFor(clerk::Command command);
     void pushImage(mapshow* map);
     void bindForms();
 

@@ -25,7 +25,9 @@
 
 namespace {
 
-// What the progress bar says while a command runs.
+using Command = clerk::Command;
+
+// What the progress bar says while a command runs, by command.
 const char* const kOperationNames[] = {
     "",
     QT_TRANSLATE_NOOP("MainClass", "Чтение ИС"),
@@ -37,6 +39,15 @@ const char* const kOperationNames[] = {
     QT_TRANSLATE_NOOP("MainClass", "Регистр"),
     QT_TRANSLATE_NOOP("MainClass", "Регистр"),
 };
+
+// GuiSave::take reads the flags of a save by their names on the panel.
+QMap<QString, int> saveFlags(const PanelSettings& settings)
+{
+    return {{QStringLiteral("ChangesOnly"), settings.changesOnly},
+            {QStringLiteral("HexComment"), settings.comments},
+            {QStringLiteral("StatusBits"), settings.statusBits},
+            {QStringLiteral("ServiceBits"), settings.serviceBits}};
+}
 
 } // namespace
 
@@ -54,28 +65,30 @@ bool MainClass::stopRunning()
     return true;
 }
 
-void MainClass::startOperation(int command, const QString& fileName)
+void MainClass::startOperation(Command command, const QString& fileName)
 {
     progressBar->setValue(0);
-    if (command >= 1 && command <= 8)
-        progressBar->setFormat(tr(kOperationNames[command]) + QStringLiteral(" %p%"));
+    progressBar->setFormat(tr(kOperationNames[int(command)]) + QStringLiteral(" %p%"));
     progressAction()->setVisible(true);
     running = true;
     runningCommand = command;
     ++operationsStarted;
     showOperationCount();
-    worker = newWorker(command, fileName);
+    worker = newWorker(command, service->panelSettings(), fileName);
     connect(worker, &clerk::percent_up, progressBar, &QProgressBar::setValue);
     connect(worker, &clerk::error_mess, this, &MainClass::error_message);
     connect(worker, &QThread::finished, worker, &QObject::deleteLater);
     worker->start(QThread::InheritPriority);
 }
 
-clerk* MainClass::newWorker(int command, const QString& fileName)
+clerk* MainClass::newWorker(Command command, const PanelSettings& settings, const QString& fileName)
 {
-    auto* created = new clerk(command, fileName, service, maps);
-    if (command == 6 && formModel)
-        created->save = GuiSave::take(*formModel, service->settings);
+    QMap<QString, RegisterImages*> images;
+    for (auto it = maps.cbegin(); it != maps.cend(); ++it)
+        images.insert(it.key(), &it.value()->images);
+    auto* created = new clerk(command, fileName, service->usb, settings, images);
+    if (command == Command::GuiToFile && formModel)
+        created->save = GuiSave::take(*formModel, saveFlags(settings));
     return created;
 }
 
@@ -97,7 +110,7 @@ void MainClass::on_action_load_default_triggered()
 {
     if (stopRunning())
         return;
-    startOperation(5, QStringLiteral("default.hex"));
+    startOperation(Command::FileToGui, QStringLiteral("default.hex"));
     setWindowTitle(QLatin1String(kWindowTitle));
 }
 
@@ -107,11 +120,11 @@ void MainClass::on_action_GUIFILE_triggered()
         return;
     const QString path = askFile(true, tr("Save .hex"));
     if (!path.isEmpty())
-        startOperation(6, path);
+        startOperation(Command::GuiToFile, path);
 }
 
 // F7 and F9: a file chosen to be read, and its path in the title.
-void MainClass::openFileFor(int command)
+void MainClass::openFileFor(Command command)
 {
     if (stopRunning())
         return;
@@ -124,18 +137,18 @@ void MainClass::openFileFor(int command)
 
 void MainClass::on_action_FILEGUI_triggered()
 {
-    openFileFor(5);
+    openFileFor(Command::FileToGui);
 }
 
 void MainClass::on_action_FILEIC_triggered()
 {
-    openFileFor(3);
+    openFileFor(Command::FileToChip);
 }
 
 void MainClass::on_action_GUIIC_triggered()
 {
     if (!stopRunning())
-        startOperation(2);
+        startOperation(Command::GuiToChip);
 }
 
 // The action is checkable: checked, an idle program reads the chip; pressing
@@ -144,7 +157,7 @@ void MainClass::on_action_ICGUI_triggered()
 {
     if (stopRunning() || !ui->action_ICGUI->isChecked())
         return;
-    startOperation(1);
+    startOperation(Command::ChipToGui);
 }
 
 // Chip to file asks for the file first, even while an operation runs; an
@@ -155,7 +168,7 @@ void MainClass::on_Button_ICFILE_clicked()
     if (path.isEmpty() || stopRunning())
         return;
     lastPath = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
-    startOperation(4, path);
+    startOperation(Command::ChipToFile, path);
 }
 
 // Every operation ends here, on the GUI thread: a failure is shown, a
@@ -176,15 +189,15 @@ void MainClass::error_message(QString m)
 
     // A write with read-back ends as the read it turned into; the clerk is
     // still there, as its deletion is queued behind this message.
-    const int cmd = worker ? int(worker->command) : runningCommand;
+    const Command cmd = worker ? worker->command : runningCommand;
     mapshow* map = firstMap();
     showOperationResult(cmd);
-    if (cmd == 1 || cmd == 5) {
-        if (service->setting(QStringLiteral("RepeatRead")) == 0)
+    if (cmd == Command::ChipToGui || cmd == Command::FileToGui) {
+        const PanelSettings settings = service->panelSettings();
+        if (!settings.repeatRead)
             ui->action_ICGUI->setChecked(false);
         else if (ui->action_ICGUI->isChecked())
-            QTimer::singleShot(service->setting(QStringLiteral("AutoPause")) * 1000, this,
-                               &MainClass::on_action_ICGUI_triggered);
+            QTimer::singleShot(settings.autoPauseSeconds * 1000, this, &MainClass::on_action_ICGUI_triggered);
     }
     progressBar->setValue(100);
     map->refreshRegisterView();
@@ -207,10 +220,10 @@ void MainClass::showOperationCount()
         QStringLiteral("operations: %1 started, %2 ended").arg(operationsStarted).arg(operationsEnded));
 }
 
-void MainClass::showOperationResult(int command)
+void MainClass::showOperationResult(Command command)
 {
     mapshow* map = firstMap();
-    if (command == 1 || command == 5) {
+    if (command == Command::ChipToGui || command == Command::FileToGui) {
         pushImage(map);
         map->refreshRegisterView();
         map->repaint();
@@ -221,7 +234,7 @@ void MainClass::showOperationResult(int command)
     // and the bulbs the disabled picture until the next read. After anything
     // else the spin boxes with a display recompute it, even when their value
     // did not change.
-    if (command == 5)
+    if (command == Command::FileToGui)
         formModel->markChipOnly();
     else
         formModel->fireDisplays();

@@ -53,21 +53,11 @@ usb_link& CtlSession::link()
     return *ownLink;
 }
 
-void CtlSession::setSetting(const char* name, int value)
-{
-    window().service->setSetting(QLatin1String(name), value);
-}
-
-int CtlSession::setting(const char* name)
-{
-    return window().service->setting(QLatin1String(name));
-}
-
 // The worker hands the images over on the GUI thread, so the loop turns
 // until its thread has ended; its one end message comes before that.
-QString CtlSession::run(int command, const QString& fileName, bool intoWidgets)
+QString CtlSession::run(clerk::Command command, const QString& fileName, bool intoWidgets)
 {
-    std::unique_ptr<clerk> worker(window().newWorker(command, fileName));
+    std::unique_ptr<clerk> worker(window().newWorker(command, settings, fileName));
     QString message = QStringLiteral("the operation ended without a word");
     QEventLoop loop;
     QObject::connect(worker.get(), &clerk::error_mess, &loop, [&message](const QString& text) { message = text; });

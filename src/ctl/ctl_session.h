@@ -1,7 +1,9 @@
 // The engine that zv4280ctl drives: the main window built offscreen and idle
-// (no "default.hex"), its panel's settings and USB link, and the worker's
-// commands run to their end with the event loop turning.
+// (no "default.hex"), its USB link, the settings its commands run with, and
+// the worker's commands run to their end with the event loop turning.
 #pragma once
+
+#include "clerk.h"
 
 #include <QString>
 
@@ -31,15 +33,14 @@ public:
     usb_link& link();
     bool boardChosen() const { return !key.isEmpty(); }
 
-    // A setting of the service panel, as the worker reads it.
-    void setSetting(const char* key, int value);
-    int setting(const char* key);
+    // What the worker's commands run with; it starts as the service panel
+    // does.
+    PanelSettings settings;
 
-    // Runs a worker command (1 chip to GUI, 2 GUI to chip, 3 file to chip,
-    // 5 file to GUI, 6 GUI to file) and waits for its end; the worker's text
-    // when it failed, else empty. With intoWidgets a success ends as in the
-    // GUI: a read shows the image in the widgets and recomputes the displays.
-    QString run(int command, const QString& fileName = QString(), bool intoWidgets = true);
+    // Runs a worker command and waits for its end; the worker's text when it
+    // failed, else empty. With intoWidgets a success ends as in the GUI: a
+    // read shows the image in the widgets and recomputes the displays.
+    QString run(clerk::Command command, const QString& fileName = QString(), bool intoWidgets = true);
 
 private:
     QString key;

@@ -55,7 +55,7 @@ int FieldCommands::read(const QStringList& names)
     int status = 0;
     if (!resolve(names, &fields, &status))
         return status;
-    const QString failure = session.run(1);
+    const QString failure = session.run(clerk::Command::ChipToGui);
     if (!failure.isEmpty())
         return boardFailure(failure);
     report(fields, {});
@@ -89,14 +89,14 @@ int FieldCommands::write(const QStringList& assignments)
         codes.append(quint32(code));
     }
 
-    session.setSetting("ChangesOnly", 1);
-    session.setSetting("InteractiveRefresh", 1);
-    session.setSetting("writePause", 0);
+    session.settings.changesOnly = true;
+    session.settings.readBack = true;
+    session.settings.writePauseMs = 0;
     // The read, the write and the read-back go to one board.
     usb_link& link = session.link();
     link.holdBoard();
     const auto release = qScopeGuard([&link] { link.releaseBoard(); });
-    QString failure = session.run(1);
+    QString failure = session.run(clerk::Command::ChipToGui);
     if (!failure.isEmpty())
         return boardFailure(failure);
     for (int i = 0; i < fields.size(); ++i)
@@ -108,7 +108,7 @@ int FieldCommands::write(const QStringList& assignments)
         if (map.guiImage[r] != map.icImage[r])
             written.append(int(r));
     out.set(QStringLiteral("written"), written);
-    failure = session.run(2);
+    failure = session.run(clerk::Command::GuiToChip);
     if (!failure.isEmpty())
         return boardFailure(failure);
 

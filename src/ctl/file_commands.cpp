@@ -73,10 +73,10 @@ int FileCommands::load(const QString& file, const QString& pause)
         return status;
 
     // The map names are checked above, in the way that lets a saved file in.
-    session.setSetting("ConfigCheck", 0);
+    session.settings.configCheck = false;
     if (pauseMs >= 0)
-        session.setSetting("writePause", int(pauseMs));
-    const QString failure = session.run(3, file, false);
+        session.settings.writePauseMs = int(pauseMs);
+    const QString failure = session.run(clerk::Command::FileToChip, file, false);
     if (!failure.isEmpty())
         return boardFailure(failure);
     out.set(QStringLiteral("file"), file);
@@ -87,9 +87,9 @@ int FileCommands::load(const QString& file, const QString& pause)
 int FileCommands::save(const QString& file, bool comments, bool changesOnly, const QString& base)
 {
     const QString baseFile = base.isEmpty() ? QStringLiteral("default.hex") : base;
-    session.setSetting("HexComment", comments ? 1 : 0);
-    session.setSetting("ChangesOnly", changesOnly ? 1 : 0);
-    session.setSetting("MergeFile", 0);
+    session.settings.comments = comments;
+    session.settings.changesOnly = changesOnly;
+    session.settings.mergeFile = false;
     if (changesOnly) {
         // A base that no load would take is refused before the board is touched.
         QStringList lines;
@@ -98,17 +98,17 @@ int FileCommands::save(const QString& file, bool comments, bool changesOnly, con
             return out.fail(CtlExit::Usage, refusal.isEmpty() ? QStringLiteral("cannot read the base file \"%1\"").arg(baseFile)
                                                               : QStringLiteral("base file: ") + refusal);
         // The base file goes into cfgImage as a load into the forms reads it.
-        const QString failure = session.run(5, baseFile, false);
+        const QString failure = session.run(clerk::Command::FileToGui, baseFile, false);
         if (!failure.isEmpty())
             return out.fail(CtlExit::Usage, QStringLiteral("base file \"%1\": %2").arg(baseFile, failure));
     }
-    QString failure = session.run(1);
+    QString failure = session.run(clerk::Command::ChipToGui);
     if (!failure.isEmpty())
         return boardFailure(failure);
     RegisterImages& map = session.images();
     if (changesOnly) // what the chip gave is compared with the base
         std::memcpy(map.icImage, map.cfgImage, map.registerCount);
-    failure = session.run(6, file, false);
+    failure = session.run(clerk::Command::GuiToFile, file, false);
     if (!failure.isEmpty())
         return out.fail(CtlExit::Usage, QStringLiteral("cannot write \"%1\": %2").arg(file, failure));
     out.set(QStringLiteral("file"), file);

@@ -54,8 +54,8 @@ int RegisterCommands::dump(const QString& style)
         return out.fail(CtlExit::Usage, QStringLiteral("--style takes single, block or auto; not \"%1\"").arg(style));
 
     if (!style.isEmpty())
-        session.setSetting("ReadStyle", styleIndex);
-    const QString failure = session.run(1, QString(), false);
+        session.settings.readStyle = PanelSettings::Style(styleIndex);
+    const QString failure = session.run(clerk::Command::ChipToGui, QString(), false);
     if (!failure.isEmpty())
         return boardFailure(failure);
 
@@ -73,7 +73,7 @@ int RegisterCommands::dump(const QString& style)
         }
         out.line(text);
     }
-    out.set(QStringLiteral("style"), kStyles.value(session.setting("ReadStyle"), chosen));
+    out.set(QStringLiteral("style"), kStyles.value(int(session.settings.readStyle), chosen));
     out.set(QStringLiteral("registers"), values);
     return out.done();
 }

@@ -1,8 +1,9 @@
 #include "usb_link.h"
 
+#include "usb_session.h"
+
 #include <libusb.h>
 
-#include <QMap>
 
 #include <cstring>
 #include <vector>
@@ -57,95 +58,6 @@ bool usb_link::scanDevices()
     return true;
 }
 
-// Opens the board named by selectedKey, or the only board when there is just
-// one (while a board is held, that board alone), and claims its interface 0.
-// Every false path releases what it took, and no false path leaves a handle.
-bool usb_link::openDevice()
-{
-    lock.lock();
-    failure.clear();
-    refused.clear();
-    handle = nullptr;
-    if (libusb_init(nullptr) < 0) {
-        lock.unlock();
-        return false;
-    }
-    libusb_device** list = nullptr;
-    const ssize_t n = libusb_get_device_list(nullptr, &list);
-    auto fail = [&]() {
-        if (list)
-            libusb_free_device_list(list, 1);
-        libusb_exit(nullptr);
-        lock.unlock();
-        return false;
-    };
-    if (n < 0) {
-        list = nullptr;
-        return fail();
-    }
-    QMap<QString, libusb_device*> bridges;
-    for (ssize_t i = 0; i < n; ++i) {
-        libusb_device_descriptor d;
-        if (libusb_get_device_descriptor(list[i], &d) < 0)
-            return fail();
-        if (d.idVendor != kBridgeVendor)
-            continue;
-        bridges.insert(deviceKey(d.idVendor, d.idProduct, quint8(libusb_get_bus_number(list[i])),
-                                 quint8(libusb_get_device_address(list[i]))),
-                       list[i]);
-    }
-    QString chosenKey;
-    if (holds > 0 && !heldKey.isEmpty()) {
-        if (!bridges.contains(heldKey)) {
-            refused = bridges.isEmpty() ? QStringLiteral("the board has left the bus")
-                                        : QStringLiteral("the board changed");
-            return fail();
-        }
-        chosenKey = heldKey;
-    } else if (bridges.contains(selectedKey)) {
-        chosenKey = selectedKey;
-    } else if (bridges.size() == 1) {
-        chosenKey = bridges.firstKey();
-    } else {
-        statusText = QStringLiteral("Refresh device list");
-        return fail();
-    }
-    if (libusb_open(bridges.value(chosenKey), &handle) != 0)
-        handle = nullptr;
-    libusb_free_device_list(list, 1);
-    list = nullptr;
-    if (!handle)
-        return fail();
-    if (libusb_kernel_driver_active(handle, 0) == 1)
-        libusb_detach_kernel_driver(handle, 0);
-    const int claimed = libusb_claim_interface(handle, 0);
-    if (claimed != 0) {
-        // No transfer ever follows a claim that failed.
-        if (claimed == LIBUSB_ERROR_BUSY)
-            refused = QStringLiteral("the board is in use by another program");
-        libusb_close(handle);
-        handle = nullptr;
-        return fail();
-    }
-    if (holds > 0 && heldKey.isEmpty())
-        heldKey = chosenKey;
-    if (stalled) {
-        libusb_clear_halt(handle, kEndpointOut);
-        libusb_clear_halt(handle, kEndpointIn);
-        stalled = false;
-    }
-    return true; // the lock stays held until closeDevice
-}
-
-void usb_link::closeDevice()
-{
-    libusb_release_interface(handle, 0);
-    libusb_close(handle);
-    handle = nullptr;
-    libusb_exit(nullptr);
-    lock.unlock();
-}
-
 // With no device open a transfer moves nothing and says so; libusb is never
 // handed a null handle.
 int usb_link::bulkOut(quint8* data, int length)
@@ -168,12 +80,6 @@ int usb_link::bulkIn(quint8* data, int length)
     }
     lastTransferResult = libusb_bulk_transfer(handle, kEndpointIn, data, length, &transferred, kTimeoutMs);
     return transferred;
-}
-
-int usb_link::bulkExchange(quint8* out, quint8* in, int length)
-{
-    bulkOut(out, length);
-    return bulkIn(in, length);
 }
 
 // One frame out and its reply in, both whole and without a libusb error
@@ -261,11 +167,10 @@ bool usb_link::singleRegister(int address, quint8 mark, quint8 data, quint8* rep
 {
     quint8 frame[5] = {frameType, 3, quint8((address >> 8) | mark), quint8(address & 0xFF), data};
     std::memset(reply, 0, 5);
-    if (!addressesFit(address, address) || !openDevice())
+    if (!addressesFit(address, address))
         return false;
-    const bool ok = exchange(frame, reply, 5);
-    closeDevice();
-    return ok;
+    const UsbSession session(*this);
+    return session.isOpen() && exchange(frame, reply, 5);
 }
 
 bool usb_link::readRegister(int address, quint8* value)
@@ -298,15 +203,6 @@ int usb_link::elementAddress(const quint8* element) const
 // over the values of the full frames only.
 bool usb_link::block(int count, quint8* elements, bool write)
 {
-    if (interfaceKind == 3) {
-        // The serial interface has no block protocol: each element goes to the
-        // single-register operation, which refuses it.
-        for (int i = 0; i < count; ++i) {
-            quint8* e = elements + i * elementSize();
-            write ? writeRegister(elementAddress(e), e + addressBytes) : readRegister(elementAddress(e), e + addressBytes);
-        }
-        return true;
-    }
     if (interfaceKind != 0 || count < 0)
         return refuse();
     int lowest = 0, highest = 0;
@@ -315,7 +211,10 @@ bool usb_link::block(int count, quint8* elements, bool write)
         lowest = i == 0 ? address : qMin(lowest, address);
         highest = qMax(highest, address);
     }
-    if (!addressesFit(lowest, highest) || !openDevice())
+    if (!addressesFit(lowest, highest))
+        return false;
+    const UsbSession session(*this);
+    if (!session.isOpen())
         return false;
     const int perFrame = (frameSize - 2) / 3;
     std::vector<quint8> out(static_cast<size_t>(frameSize)), in(static_cast<size_t>(frameSize));
@@ -346,7 +245,6 @@ bool usb_link::block(int count, quint8* elements, bool write)
         if (n < perFrame)
             break; // the last frame, full or empty, has gone
     }
-    closeDevice();
     if (!ok)
         return false;
     for (int i = 0; i < count; ++i)
@@ -372,7 +270,10 @@ bool usb_link::autoincrement(int start, int count, const quint8* source, quint8*
 {
     if (interfaceKind != 0)
         return refuse();
-    if ((count > 0 && !addressesFit(start, start + count - 1)) || !openDevice())
+    if (count > 0 && !addressesFit(start, start + count - 1))
+        return false;
+    const UsbSession session(*this);
+    if (!session.isOpen())
         return false;
     const int perFrame = frameSize - 4;
     const quint8 direction = source ? writeFlag : readFlag;
@@ -393,7 +294,6 @@ bool usb_link::autoincrement(int start, int count, const quint8* source, quint8*
             std::memcpy(values.data() + done, in.data() + 4, size_t(n));
         done += n;
     }
-    closeDevice();
     if (ok && target && count > 0)
         std::memcpy(target, values.data(), size_t(count));
     return ok;

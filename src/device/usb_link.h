@@ -10,7 +10,8 @@ struct libusb_device_handle;
 // cycle of its own: libusb is initialised, the board found and opened, its
 // interface 0 claimed, the frames exchanged, and everything released again,
 // so no connection state survives between operations and a replugged board
-// needs no reconnect.
+// needs no reconnect. The cycle is held by a UsbSession, which lets go of
+// the board on every path out of the operation.
 //
 // A register has a 16-bit address and an 8-bit value. A frame is the type
 // byte 0x15, the payload length, and the payload: triples (address high with
@@ -29,26 +30,19 @@ class usb_link
 public:
     usb_link();
 
-    quint8 spareCode1 = 0x13;
-    quint8 spareCode2 = 0x14;
     quint8 frameType = 0x15;
     quint8 writeFlag = 0x00;
     quint8 readFlag = 0x80;
     quint8 autoFlag = 0x40;
-    quint8 spareCode3 = 0x20;
-    quint8 spareCode4 = 0x21;
-    quint8 spareCode5 = 0x22;
-    quint8 spareCode6 = 0x23;
     quint8 addressBytes = 2;
     qint8 frameSize = 32;
-    quint16 vendorId = 0x2976;
-    quint16 productId = 0x0003;
     QStringList deviceList;
     QString statusText;
     QString selectedKey;
+    // The open board, while a session holds it.
     libusb_device_handle* handle = nullptr;
-    int comSpeed = 0;
-    QString comPort;
+    // The interface the panel chose; only the bridge boards (0) are served,
+    // every register operation of another kind is refused.
     qint32 interfaceKind = 0;
     // The libusb result of the last bulk transfer (0 when it went through).
     int lastTransferResult = 0;
@@ -90,11 +84,8 @@ public:
     static bool parseDeviceKey(const QString& key, quint16* vendor, quint16* product, quint8* bus, quint8* address);
 
     bool scanDevices();
-    bool openDevice();
-    void closeDevice();
     int bulkOut(quint8* data, int length);
     int bulkIn(quint8* data, int length);
-    int bulkExchange(quint8* out, quint8* in, int length);
 
     bool readRegister(int address, quint8* value);
     bool writeRegister(int address, const quint8* value);
@@ -104,6 +95,8 @@ public:
     bool writeAuto(int start, int count, const quint8* data);
 
 private:
+    friend class UsbSession;
+
     // One exchange of a frame of `length` bytes; true when both directions
     // moved the whole frame.
     bool exchange(quint8* out, quint8* in, int length);

@@ -8,14 +8,7 @@
 #include <QListView>
 #include <QStandardItemModel>
 #include <QMessageBox>
-#include <QSerialPortInfo>
 #include <QSpinBox>
-
-namespace {
-// Serial bridges: the FPGA board's and the STM32 board's vendors.
-constexpr quint16 kFpgaVendor = 0x2341;
-constexpr quint16 kStm32Vendor = 0x0483;
-} // namespace
 
 service_block::service_block(QWidget* parent) : QWidget(parent), ui(new Ui::service_block)
 {
@@ -77,8 +70,7 @@ service_block::~service_block()
     delete ui;
 }
 
-// Enters a control's state under its key, the object name less "flag_". The
-// read/write pause is also the pause the worker waits between writes.
+// Enters a control's state under its key, the object name less "flag_".
 void service_block::store(QObject* control)
 {
     const QString key = control->objectName().mid(5);
@@ -91,21 +83,30 @@ void service_block::store(QObject* control)
         value = spin->value();
     else
         return;
-    setSetting(key, value);
-    if (key == QLatin1String("PauseTimer"))
-        setSetting(QStringLiteral("writePause"), value);
-}
-
-int service_block::setting(const QString& key)
-{
-    QMutexLocker guard(&settingsLock);
-    return settings[key];
-}
-
-void service_block::setSetting(const QString& key, int value)
-{
-    QMutexLocker guard(&settingsLock);
     settings[key] = value;
+}
+
+// The one place where the settings' names are read. The read/write pause is
+// also the pause the worker waits before a read-back and between the
+// sections of a file.
+PanelSettings service_block::panelSettings() const
+{
+    PanelSettings s;
+    auto flag = [this](const char* key, int start) { return settings.value(QLatin1String(key), start); };
+    s.readStyle = PanelSettings::Style(flag("ReadStyle", int(s.readStyle)));
+    s.writeStyle = PanelSettings::Style(flag("WriteStyle", int(s.writeStyle)));
+    s.changesOnly = flag("ChangesOnly", s.changesOnly) != 0;
+    s.readBack = flag("InteractiveRefresh", s.readBack) != 0;
+    s.writePauseMs = flag("PauseTimer", s.writePauseMs);
+    s.comments = flag("HexComment", s.comments) != 0;
+    s.mergeFile = flag("MergeFile", s.mergeFile) != 0;
+    s.configCheck = flag("ConfigCheck", s.configCheck) != 0;
+    s.statusBits = flag("StatusBits", s.statusBits) != 0;
+    s.serviceBits = flag("ServiceBits", s.serviceBits) != 0;
+    s.repeatRead = flag("RepeatRead", s.repeatRead) != 0;
+    s.autoPauseSeconds = flag("AutoPause", s.autoPauseSeconds);
+    s.registerNumber = flag("RegisterNumber", s.registerNumber);
+    return s;
 }
 
 void service_block::changeFlag(int value)
@@ -114,47 +115,17 @@ void service_block::changeFlag(int value)
     if (!s)
         return;
     store(s);
+    // Only the bridge boards (interface 0) are served: the panel offers no
+    // other interface.
     const QString name = s->objectName();
     if (name.contains(QLatin1String("interfaceCheck")))
         usb->interfaceKind = value;
-    if (name.contains(QLatin1String("flag_interfaceCheck"))) {
-        switch (value) {
-        case 0:
-            usb->scanDevices();
-            fillDevices(usb->deviceList);
-            usb->interfaceKind = 0;
-            break;
-        case 1:
-        case 2: {
-            usb->deviceList = serialPorts(value == 1 ? kFpgaVendor : kStm32Vendor);
-            usb->interfaceKind = value;
-            if (value == 1)
-                usb->comPort = ui->flag_currentInterface->currentText();
-            fillDevices(usb->deviceList);
-            usb->comSpeed = ui->flag_speedCom->currentText().toInt();
-            if (value == 1)
-                ui->flag_speedCom->setEnabled(true);
-            break;
-        }
-        default:
-            break;
-        }
+    if (name.contains(QLatin1String("flag_interfaceCheck")) && value == 0) {
+        usb->scanDevices();
+        fillDevices(usb->deviceList);
     }
-    if (name.contains(QLatin1String("flag_currentInterface"))) {
+    if (name.contains(QLatin1String("flag_currentInterface")))
         usb->selectedKey = ui->flag_currentInterface->currentText();
-        usb->comPort = ui->flag_currentInterface->currentText();
-    }
-    if (name.contains(QLatin1String("flag_speedCom")))
-        usb->comSpeed = ui->flag_speedCom->currentText().toInt();
-}
-
-QStringList service_block::serialPorts(quint16 vendor) const
-{
-    QStringList ports;
-    for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts())
-        if (port.vendorIdentifier() == vendor)
-            ports.append(port.portName());
-    return ports;
 }
 
 void service_block::fillDevices(const QStringList& devices)

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "panel_settings.h"
+
 #include <QMap>
-#include <QMutex>
 #include <QString>
 #include <QWidget>
 
@@ -12,10 +13,10 @@ class service_block;
 }
 
 // The settings panel ("Service settings"). It owns the USB link and the map
-// of settings that the worker and the main window read: every control whose
-// object name holds "flag" feeds the map under its name less "flag_". It also
-// chooses the interface and the board, and reads or writes one register by
-// number.
+// of settings: every control whose object name holds "flag" feeds the map
+// under its name less "flag_", and the worker and the main window take them
+// as panelSettings(). It also chooses the board, and reads or writes one
+// register by number.
 class service_block : public QWidget
 {
     Q_OBJECT
@@ -27,11 +28,8 @@ public:
     QMap<QString, int> settings;
     usb_link* usb = nullptr;
 
-    // A setting as the worker reads it, by name at the moment of use: a name
-    // nobody has set reads 0 and is entered with 0. Safe from any thread.
-    int setting(const QString& key);
-    // Enters a setting from any thread.
-    void setSetting(const QString& key, int value);
+    // The settings as they stand now, for an operation to take.
+    PanelSettings panelSettings() const;
 
 public slots:
     void changeFlag(int value);
@@ -45,10 +43,8 @@ public slots:
 private:
     void store(QObject* control);
     void fillDevices(const QStringList& devices);
-    QStringList serialPorts(quint16 vendor) const;
     quint8 bitRowValue() const;
     void showInterfaceError(quint8 value);
 
     Ui::service_block* ui;
-    QMutex settingsLock;
 };

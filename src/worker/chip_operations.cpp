@@ -4,8 +4,7 @@
 
 #include "clerk.h"
 
-#include "mapshow.h"
-#include "service_block.h"
+#include "register_images.h"
 #include "usb_link.h"
 
 #include <cstring>
@@ -40,37 +39,37 @@ std::vector<int> allRegisters(int count)
 
 } // namespace
 
-// Command 1. The images change only at the end, once every register is in:
+// Chip to GUI. The images change only at the end, once every register is in:
 // a stop or a failure on the way leaves them as they were.
 QString clerk::chipRead()
 {
-    mapshow* map = firstMap();
+    RegisterImages* map = firstMap();
     const int count = int(map->registerCount);
     emit percent_up(0);
     onGuiThread([map] { map->dropOldGUI(); });
     std::vector<quint8> buffer(static_cast<size_t>(count), 0);
 
-    switch (setting("ReadStyle")) {
-    case 0:
+    switch (settings.readStyle) {
+    case PanelSettings::Style::OneAtATime:
         for (int i = 0; i < count; ++i) {
             if (interrupted)
                 return tr("Interrupted");
             emit percent_up(i * 75 / count);
-            if (!link()->readRegister(i, &buffer[size_t(i)]))
+            if (!link->readRegister(i, &buffer[size_t(i)]))
                 return interfaceError();
         }
         break;
-    case 1: {
-        const int size = link()->addressBytes + 1;
-        std::vector<quint8> list = blockList(allRegisters(count), nullptr, link()->addressBytes);
-        if (!link()->readBlock(count, list.data()))
+    case PanelSettings::Style::Blocks: {
+        const int size = link->addressBytes + 1;
+        std::vector<quint8> list = blockList(allRegisters(count), nullptr, link->addressBytes);
+        if (!link->readBlock(count, list.data()))
             return interfaceError();
         for (int i = 0; i < count; ++i)
             buffer[size_t(i)] = list[size_t(i * size + size - 1)];
         break;
     }
-    case 2:
-        if (!link()->readAuto(0, count, buffer.data()))
+    case PanelSettings::Style::Autoincrement:
+        if (!link->readAuto(0, count, buffer.data()))
             return interfaceError();
         break;
     default:
@@ -87,13 +86,13 @@ QString clerk::chipRead()
     return QString();
 }
 
-// Command 2, for each register map: all registers in the write style, or
+// GUI to chip, for each register map: all registers in the write style, or
 // only those where guiImage differs from icImage, always in block frames.
-// With "InteractiveRefresh" the chip is read back after the pause, and the
-// operation ends as a read.
+// With read-back the chip is read back after the pause, and the operation
+// ends as a read.
 QString clerk::chipWrite()
 {
-    for (mapshow* map : qAsConst(maps)) {
+    for (RegisterImages* map : qAsConst(maps)) {
         const int count = int(map->registerCount);
         std::vector<quint8> gui(static_cast<size_t>(count)), ic(static_cast<size_t>(count));
         onGuiThread([&] {
@@ -101,21 +100,21 @@ QString clerk::chipWrite()
             std::memcpy(ic.data(), map->icImage, size_t(count));
         });
 
-        if (setting("ChangesOnly") == 0) {
-            switch (setting("WriteStyle")) {
-            case 1: {
-                std::vector<quint8> list = blockList(allRegisters(count), gui.data(), link()->addressBytes);
-                if (!link()->writeBlock(count, list.data()))
+        if (!settings.changesOnly) {
+            switch (settings.writeStyle) {
+            case PanelSettings::Style::Blocks: {
+                std::vector<quint8> list = blockList(allRegisters(count), gui.data(), link->addressBytes);
+                if (!link->writeBlock(count, list.data()))
                     return interfaceError();
                 break;
             }
-            case 2:
-                if (!link()->writeAuto(0, count, gui.data()))
+            case PanelSettings::Style::Autoincrement:
+                if (!link->writeAuto(0, count, gui.data()))
                     return statusOrInterfaceError();
                 break;
-            case 0:
+            case PanelSettings::Style::OneAtATime:
                 for (int i = 0; i < count; ++i) {
-                    if (!link()->writeRegister(i, &gui[size_t(i)]))
+                    if (!link->writeRegister(i, &gui[size_t(i)]))
                         return interfaceError() + QLatin1Char('\n')
                                + QStringLiteral("%1 of %2 registers written").arg(i).arg(count);
                     if (interrupted)
@@ -126,7 +125,7 @@ QString clerk::chipWrite()
                 return tr("Недокументированная \nкомбинация флагов");
             }
         } else {
-            const int style = setting("WriteStyle");
+            const int style = int(settings.writeStyle);
             if (style < 0 || style > 2)
                 return QStringLiteral("Недокументированная \nкомбинация флагов");
             std::vector<int> addresses;
@@ -137,15 +136,15 @@ QString clerk::chipWrite()
                     values.push_back(gui[size_t(i)]);
                 }
             }
-            std::vector<quint8> list = blockList(addresses, values.data(), link()->addressBytes);
-            if (!link()->writeBlock(int(addresses.size()), list.data()))
+            std::vector<quint8> list = blockList(addresses, values.data(), link->addressBytes);
+            if (!link->writeBlock(int(addresses.size()), list.data()))
                 return statusOrInterfaceError();
         }
 
-        if (setting("InteractiveRefresh") != 0) {
+        if (settings.readBack) {
             if (!pause())
                 return tr("Interrupted");
-            command = 1;
+            command = Command::ChipToGui;
             emit percent_up(45);
             const QString readBack = chipRead();
             if (readBack.isEmpty() || readBack == tr("Interrupted"))
@@ -158,26 +157,26 @@ QString clerk::chipWrite()
     return QString();
 }
 
-// Command 7: the register "RegisterNumber" into the setting "RegisterValue",
-// which a failed read leaves as it was.
+// Register registerNumber into registerValue, which a failed read leaves as
+// it was.
 QString clerk::readOne()
 {
     emit percent_up(1);
     quint8 value = 0;
-    if (!link()->readRegister(setting("RegisterNumber"), &value))
+    if (!link->readRegister(settings.registerNumber, &value))
         return interfaceError();
     emit percent_up(50);
-    service->setSetting(QStringLiteral("RegisterValue"), value);
+    settings.registerValue = value;
     emit percent_up(100);
     return QString();
 }
 
-// Command 8: the low byte of "RegisterValue" into register "RegisterNumber".
+// registerValue into register registerNumber.
 QString clerk::writeOne()
 {
     emit percent_up(1);
-    const quint8 value = quint8(setting("RegisterValue") & 0xFF);
-    if (!link()->writeRegister(setting("RegisterNumber"), &value))
+    const quint8 value = settings.registerValue;
+    if (!link->writeRegister(settings.registerNumber, &value))
         return interfaceError();
     emit percent_up(100);
     return QString();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gui_save.h"
+#include "panel_settings.h"
 
 #include <QMap>
 #include <QString>
@@ -9,36 +10,46 @@
 #include <atomic>
 #include <functional>
 
-class mapshow;
-class service_block;
+class RegisterImages;
 class usb_link;
 
-// The worker: one thread per operation. It carries out one numbered command
-// (1 chip to GUI, 2 GUI to chip, 3 file to chip, 4 chip to file, 5 file to
-// GUI, 6 GUI to file, 7 and 8 one register), reports progress, and ends with
-// exactly one error_mess: an empty text for success, else what failed. An
-// operation works on one board: the one it reached first (see
-// usb_link::holdBoard).
+// The worker: one thread per operation. It carries out one command, reports
+// progress, and ends with exactly one error_mess: an empty text for
+// success, else what failed. An operation works on one board: the one it
+// reached first (see usb_link::holdBoard), with the panel's settings as they
+// stood when it was made.
 //
-// It never touches a widget, and it reads and writes the images of the
-// register map only on the GUI thread (a blocking call there), so that the
+// It never touches a widget, and it reads and writes the register images
+// only on the thread that owns them (a blocking call there), so that the
 // views and the field rules never see an image half written.
 class clerk : public QThread
 {
     Q_OBJECT
 
 public:
-    // An empty worker, whose fields the starter fills in, or one filled in.
-    explicit clerk(QObject* parent = nullptr);
-    clerk(int command, const QString& fileName, service_block* service, const QMap<QString, mapshow*>& maps,
-          QObject* parent = nullptr);
+    enum class Command : qint32 {
+        ChipToGui = 1, // read the whole chip into the forms
+        GuiToChip,     // write the forms to the chip
+        FileToChip,    // send a file's registers straight to the chip
+        ChipToFile,    // save what the chip holds
+        FileToGui,     // load a file into the forms
+        GuiToFile,     // save the forms
+        ReadOne,       // read register registerNumber into registerValue
+        WriteOne,      // write registerValue into register registerNumber
+    };
+
+    clerk(Command command, const QString& fileName, usb_link* link, const PanelSettings& settings,
+          const QMap<QString, RegisterImages*>& maps, QObject* parent = nullptr);
 
     QString fileName;
-    qint32 command = 0;
+    // A write with read-back ends as a read.
+    Command command = Command::ChipToGui;
     // Set by the GUI thread to ask for a stop; polled at fixed points.
     std::atomic<bool> interrupted{false};
-    service_block* service = nullptr;
-    QMap<QString, mapshow*> maps;
+    usb_link* link = nullptr;
+    // ReadOne leaves the register's value in registerValue.
+    PanelSettings settings;
+    QMap<QString, RegisterImages*> maps;
 
     // What GUI to file saves: the images, the comments and the registers
     // left out, taken from the widgets on the GUI thread before the thread
@@ -63,15 +74,11 @@ private:
     QString readOne();
     QString writeOne();
 
-    // A setting of the service panel, read by name at the moment of use; a
-    // name nobody has set reads 0.
-    int setting(const char* key) const;
-    usb_link* link() const;
-    mapshow* firstMap() const { return maps.isEmpty() ? nullptr : maps.first(); }
-    // Runs work on the thread that owns the register maps and waits for it.
+    RegisterImages* firstMap() const { return maps.isEmpty() ? nullptr : maps.first(); }
+    // Runs work on the thread that owns the register images and waits for it.
     void onGuiThread(const std::function<void()>& work) const;
-    // Waits "writePause" milliseconds in short sleeps; false when a stop
-    // request came meanwhile.
+    // Waits the write pause in short sleeps; false when a stop request came
+    // meanwhile.
     bool pause();
     // The end text of a failed register operation.
     QString interfaceError() const;

@@ -6,8 +6,7 @@
 #include "hex_format.h"
 #include "hex_reader.h"
 #include "hex_writer.h"
-#include "mapshow.h"
-#include "service_block.h"
+#include "register_images.h"
 #include "usb_link.h"
 
 #include <cstring>
@@ -36,7 +35,7 @@ QString clerk::readSettings(QStringList* lines) const
     return refusal.isEmpty() ? tr(".hex file is not available") : refusal;
 }
 
-// Command 3: the file's registers straight to the chip, in file order, each
+// File to chip: the file's registers straight to the chip, in file order, each
 // section (what follows a map line) as one block write after a pause; a long
 // section goes in blocks of kBlock registers, with progress after each. The
 // whole file is checked before anything is sent. A failure on the way says
@@ -52,7 +51,7 @@ QString clerk::fileToChip()
         const QString& line = lines.at(n);
         switch (HexFormat::classify(line)) {
         case HexFormat::LineKind::Map: {
-            const QString name = setting("ConfigCheck") == 0 ? maps.firstKey() : HexFormat::mapName(line);
+            const QString name = settings.configCheck ? HexFormat::mapName(line) : maps.firstKey();
             if (!maps.contains(name))
                 return tr("RegMap name is incorrect\nor not exist");
             entries.push_back(Entry());
@@ -80,21 +79,21 @@ QString clerk::fileToChip()
         registers += entries[size_t(i)].address >= 0 ? 1 : 0;
     }
     auto partWay = [&](const QString& first) {
-        const QString reason = link()->reason();
+        const QString reason = link->reason();
         return first + QLatin1Char('\n')
                + QStringLiteral("sections %1 of %2 written (%3 of %4 registers)")
                      .arg(sectionsSent).arg(sections).arg(sent).arg(registers)
                + (reason.isEmpty() ? QString() : QStringLiteral("; ") + reason);
     };
 
-    const int addressBytes = link()->addressBytes;
+    const int addressBytes = link->addressBytes;
     for (int i = 0; i < length;) {
-        if (setting("separateWrite") != 0) {
+        if (settings.separateWrite) {
             const Entry& e = entries[size_t(i)];
             if (e.address < 0) {
                 if (!pause())
                     return tr("Interrupted");
-            } else if (!link()->writeRegister(e.address, &e.value)) {
+            } else if (!link->writeRegister(e.address, &e.value)) {
                 return partWay(tr("Write register error"));
             } else {
                 ++sent;
@@ -116,7 +115,7 @@ QString clerk::fileToChip()
                 return tr("Interrupted");
         }
         if (count > 0) {
-            if (!link()->writeBlock(count, block.data()))
+            if (!link->writeBlock(count, block.data()))
                 return partWay(tr("Write block error"));
             sent += count;
             sectionsSent += endsSection(i - 1) ? 1 : 0;
@@ -135,16 +134,16 @@ QString clerk::fileToChip()
     return QString();
 }
 
-// Command 4: what the chip holds, read by autoincrement, into a file.
+// Chip to file: what the chip holds, read by autoincrement, into a file.
 QString clerk::chipToFile()
 {
-    HexWriter file(fileName, setting("MergeFile") != 0);
+    HexWriter file(fileName, settings.mergeFile);
     if (!file.open())
         return tr(".hex file is not available");
-    for (mapshow* map : qAsConst(maps)) {
+    for (RegisterImages* map : qAsConst(maps)) {
         QByteArray registers(int(map->registerCount), 0);
-        if (!link()->readAuto(0, registers.size(), reinterpret_cast<quint8*>(registers.data())))
-            return tr("WINUSB: USB interface error ") + link()->reason();
+        if (!link->readAuto(0, registers.size(), reinterpret_cast<quint8*>(registers.data())))
+            return tr("WINUSB: USB interface error ") + link->reason();
         emit percent_up(50);
         if (!file.write(HexWriter::chipText(map->chipName, registers)))
             break;
@@ -154,12 +153,12 @@ QString clerk::chipToFile()
     return QString();
 }
 
-// Command 6: the GUI state, taken with its comments before the thread
+// GUI to file: the GUI state, taken with its comments before the thread
 // started, into a file.
 QString clerk::guiToFile()
 {
     emit percent_up(0);
-    HexWriter file(fileName, setting("MergeFile") != 0);
+    HexWriter file(fileName, settings.mergeFile);
     if (!file.open())
         return tr(".hex file is not available");
     const QString text = HexWriter::guiText(save, [this](int percent) { emit percent_up(percent); });
@@ -170,7 +169,7 @@ QString clerk::guiToFile()
     return QString();
 }
 
-// Command 5: the file's registers into guiImage and cfgImage of the map it
+// File to GUI: the file's registers into guiImage and cfgImage of the map it
 // names. Nothing is applied before the whole file has been read; registers
 // absent from the file keep their value in guiImage and are 0 in cfgImage.
 QString clerk::fileToGui()
@@ -182,7 +181,7 @@ QString clerk::fileToGui()
     QMap<QString, QMap<int, quint8>> values;
     for (auto it = maps.cbegin(); it != maps.cend(); ++it)
         values.insert(it.key(), {});
-    mapshow* first = firstMap();
+    RegisterImages* first = firstMap();
     onGuiThread([first] { first->dropOldCfg(); });
     emit percent_up(1);
 
@@ -193,7 +192,7 @@ QString clerk::fileToGui()
             name = HexFormat::loadedMapName(line);
             break;
         case HexFormat::LineKind::Register:
-            if (setting("ConfigCheck") == 0)
+            if (!settings.configCheck)
                 name = maps.firstKey();
             if (!maps.contains(name))
                 return tr("RegMap name is incorrect\nor not exist");
@@ -210,7 +209,7 @@ QString clerk::fileToGui()
     onGuiThread([&] {
         first->dropOldCfg();
         for (auto it = values.cbegin(); it != values.cend(); ++it) {
-            mapshow* map = maps.value(it.key());
+            RegisterImages* map = maps.value(it.key());
             std::vector<quint8> buffer(map->registerCount, 0);
             for (auto r = it.value().cbegin(); r != it.value().cend(); ++r) {
                 if (r.key() < 0 || r.key() >= int(map->registerCount))

@@ -1,0 +1,114 @@
+// Opening and letting go of the bridge board for one register operation.
+#include "usb_session.h"
+
+#include "usb_link.h"
+
+#include <libusb.h>
+
+#include <QMap>
+
+#include <memory>
+
+namespace {
+
+// The device list of one operation, freed with the devices it holds.
+struct DeviceListFree
+{
+    void operator()(libusb_device** list) const { libusb_free_device_list(list, 1); }
+};
+using DeviceList = std::unique_ptr<libusb_device*, DeviceListFree>;
+
+} // namespace
+
+UsbSession::UsbSession(usb_link& owner) : link(owner)
+{
+    link.lock.lock();
+    openDevice();
+}
+
+UsbSession::~UsbSession()
+{
+    closeDevice();
+}
+
+// Opens the board named by selectedKey, or the only board when there is just
+// one (while a board is held, that board alone), and claims its interface 0.
+void UsbSession::openDevice()
+{
+    link.failure.clear();
+    link.refused.clear();
+    link.handle = nullptr;
+    started = libusb_init(nullptr) >= 0;
+    if (!started)
+        return;
+    QString chosenKey;
+    {
+        libusb_device** devices = nullptr;
+        const ssize_t n = libusb_get_device_list(nullptr, &devices);
+        if (n < 0)
+            return;
+        const DeviceList list(devices);
+        QMap<QString, libusb_device*> bridges;
+        for (ssize_t i = 0; i < n; ++i) {
+            libusb_device_descriptor d;
+            if (libusb_get_device_descriptor(devices[i], &d) < 0)
+                return;
+            if (d.idVendor != usb_link::kBridgeVendor)
+                continue;
+            bridges.insert(usb_link::deviceKey(d.idVendor, d.idProduct, quint8(libusb_get_bus_number(devices[i])),
+                                               quint8(libusb_get_device_address(devices[i]))),
+                           devices[i]);
+        }
+        if (link.holds > 0 && !link.heldKey.isEmpty()) {
+            if (!bridges.contains(link.heldKey)) {
+                link.refused = bridges.isEmpty() ? QStringLiteral("the board has left the bus")
+                                                 : QStringLiteral("the board changed");
+                return;
+            }
+            chosenKey = link.heldKey;
+        } else if (bridges.contains(link.selectedKey)) {
+            chosenKey = link.selectedKey;
+        } else if (bridges.size() == 1) {
+            chosenKey = bridges.firstKey();
+        } else {
+            link.statusText = QStringLiteral("Refresh device list");
+            return;
+        }
+        if (libusb_open(bridges.value(chosenKey), &handle) != 0)
+            handle = nullptr;
+    }
+    if (!handle)
+        return;
+    if (libusb_kernel_driver_active(handle, 0) == 1)
+        libusb_detach_kernel_driver(handle, 0);
+    const int claim = libusb_claim_interface(handle, 0);
+    if (claim != 0) {
+        // No transfer ever follows a claim that failed.
+        if (claim == LIBUSB_ERROR_BUSY)
+            link.refused = QStringLiteral("the board is in use by another program");
+        return;
+    }
+    claimed = true;
+    link.handle = handle;
+    if (link.holds > 0 && link.heldKey.isEmpty())
+        link.heldKey = chosenKey;
+    if (link.stalled) {
+        libusb_clear_halt(handle, usb_link::kEndpointOut);
+        libusb_clear_halt(handle, usb_link::kEndpointIn);
+        link.stalled = false;
+    }
+}
+
+// The interface released, the board closed, libusb ended and the link let
+// go, as far as each was taken.
+void UsbSession::closeDevice()
+{
+    if (claimed)
+        libusb_release_interface(handle, 0);
+    if (handle)
+        libusb_close(handle);
+    link.handle = nullptr;
+    if (started)
+        libusb_exit(nullptr);
+    link.lock.unlock();
+}

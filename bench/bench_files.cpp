@@ -63,7 +63,9 @@ int main(int argc, char* argv[])
             emit static_cast<QSpinBox*>(p->widget)->valueChanged(int(map->getPartValue(it.key())));
     }
 
-    const QMap<QString, int> settings = {{QStringLiteral("ChangesOnly"), 0}, {QStringLiteral("HexComment"), 1}};
+    PanelSettings settings;
+    settings.changesOnly = false;
+    settings.comments = true;
     const QString file = dir.filePath(QStringLiteral("bench.hex"));
     const int runs = 41;
     std::vector<double> take, text, write, save, read;

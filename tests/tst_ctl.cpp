@@ -499,7 +499,12 @@ private slots:
         std::memcpy(map->icImage, saved.constData(), map->registerCount);
         std::memcpy(map->guiImage, saved.constData(), map->registerCount);
         gui.showOperationResult(clerk::Command::ChipToGui);
-        const QString f6 = HexWriter::guiText(GuiSave::take(*gui.model(), {{"HexComment", comments}, {"ChangesOnly", 0}}));
+        const QString f6 = HexWriter::guiText(GuiSave::take(*gui.model(), [&] {
+            PanelSettings s;
+            s.comments = comments;
+            s.changesOnly = false;
+            return s;
+        }()));
         QCOMPARE(QString::fromUtf8(readFile(path("round.hex"))), f6);
 
         fillChip();

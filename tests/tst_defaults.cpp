@@ -34,8 +34,10 @@ private slots:
             else if (auto* check = qobject_cast<QCheckBox*>(p->widget))
                 emit check->stateChanged(check->checkState());
         }
-        const QString text = HexWriter::guiText(GuiSave::take(
-            *window.model(), {{"ChangesOnly", 0}, {"HexComment", 1}, {"StatusBits", 1}, {"ServiceBits", 1}}));
+        PanelSettings full;
+        full.changesOnly = false;
+        full.comments = true;
+        const QString text = HexWriter::guiText(GuiSave::take(*window.model(), full));
 
         const QString shipped = QStringLiteral(ZV_SOURCE_DIR "/resources/default.hex");
         if (qEnvironmentVariableIntValue("ZV_WRITE_DEFAULT_HEX"))

@@ -56,7 +56,17 @@ class tst_hexfile : public QObject
         for (const QString& key : map->parts.keys())
             map->setPartValue(key, map->guiImage);
     }
-    QString save(const QMap<QString, int>& settings) const { return HexWriter::guiText(GuiSave::take(*main->model(), settings)); }
+    // A save of the forms under the panel's flags by name; a flag not named
+    // is off, but the status and service registers are kept.
+    QString save(const QMap<QString, int>& flags) const
+    {
+        PanelSettings s;
+        s.changesOnly = flags.value("ChangesOnly", 0);
+        s.comments = flags.value("HexComment", 0);
+        s.statusBits = flags.value("StatusBits", 1);
+        s.serviceBits = flags.value("ServiceBits", 1);
+        return HexWriter::guiText(GuiSave::take(*main->model(), s));
+    }
 
 private slots:
     void initTestCase()

@@ -40,15 +40,6 @@ const char* const kOperationNames[] = {
     QT_TRANSLATE_NOOP("MainClass", "Регистр"),
 };
 
-// GuiSave::take reads the flags of a save by their names on the panel.
-QMap<QString, int> saveFlags(const PanelSettings& settings)
-{
-    return {{QStringLiteral("ChangesOnly"), settings.changesOnly},
-            {QStringLiteral("HexComment"), settings.comments},
-            {QStringLiteral("StatusBits"), settings.statusBits},
-            {QStringLiteral("ServiceBits"), settings.serviceBits}};
-}
-
 } // namespace
 
 QAction* MainClass::progressAction() const
@@ -88,7 +79,7 @@ clerk* MainClass::newWorker(Command command, const PanelSettings& settings, cons
         images.insert(it.key(), &it.value()->images);
     auto* created = new clerk(command, fileName, service->usb, settings, images);
     if (command == Command::GuiToFile && formModel)
-        created->save = GuiSave::take(*formModel, saveFlags(settings));
+        created->save = GuiSave::take(*formModel, settings);
     return created;
 }
 

@@ -5,7 +5,6 @@
 static void initZvResources()
 {
     Q_INIT_RESOURCE(resources);
-    Q_INIT_RESOURCE(translations);
 }
 
 void zvInitResources()

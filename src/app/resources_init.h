@@ -1,4 +1,4 @@
 #pragma once
 
-// Registers the pictures and the translation that the static library embeds.
+// Registers the pictures that the windows' library embeds.
 void zvInitResources();

@@ -30,11 +30,8 @@ void messageHandler(QtMsgType type, const QMessageLogContext& context, const QSt
 
 void CtlProgram::prepareEnvironment()
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    // The GLib event loop wakes itself with a write for every event posted,
-    // thousands while the forms are built; the plain one writes once until
-    // it runs. Nothing here needs GLib's.
+    // The GLib event loop costs its set-up and a write for every event
+    // posted; nothing here needs it.
     if (!qEnvironmentVariableIsSet("QT_NO_GLIB"))
         qputenv("QT_NO_GLIB", "1");
     qtHandler = qInstallMessageHandler(messageHandler);

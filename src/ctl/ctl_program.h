@@ -7,8 +7,7 @@
 class CtlProgram
 {
 public:
-    // Chooses the offscreen platform when none is set: the program never
-    // needs a display. Takes Qt's plain event loop, and keeps Qt's complaint
+    // Takes Qt's plain event loop, and keeps Qt's complaint
     // about a missing session runtime folder off stderr. Call it before the
     // application object is made.
     static void prepareEnvironment();

@@ -1,71 +1,67 @@
-// The offscreen main window and the worker's commands for zv4280ctl.
+// The register images, the form model and the worker's commands for
+// zv4280ctl.
 #include "ctl_session.h"
 
-#include "MainClass.h"
-#include "clerk.h"
-#include "mapshow.h"
-#include "headless_filter.h"
-#include "service_block.h"
-#include "usb_link.h"
+#include "engine/catalogue.h"
+#include "engine/form_model.h"
+#include "engine/register_images.h"
+#include "gui_save.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
 
-CtlSession::CtlSession(const QString& boardKey) : key(boardKey) {}
-
-// The main window, like every other window of the program, lives until the
-// process ends: taking it down would only cost time.
-CtlSession::~CtlSession() = default;
-
-MainClass& CtlSession::window()
+CtlSession::CtlSession(const QString& boardKey) : key(boardKey)
 {
-    if (!main) {
-        QCoreApplication::instance()->installEventFilter(new HeadlessFilter(QCoreApplication::instance()));
-        main = new MainClass(MainClass::Start::Idle);
-        main->service->usb->selectedKey = key;
-    }
-    return *main;
+    usb.selectedKey = key;
 }
 
-mapshow& CtlSession::map()
+CtlSession::~CtlSession()
 {
-    return *window().firstMap();
+    forms.reset(); // before the images it works on
 }
 
 RegisterImages& CtlSession::images()
 {
-    return map().images;
+    if (!registers) {
+        const Catalogue& catalogue = Catalogue::instance();
+        registers = std::make_unique<RegisterImages>(catalogue.chipName(), catalogue.registerCount());
+    }
+    return *registers;
 }
 
 FormModel& CtlSession::model()
 {
-    return *window().model();
+    if (!forms)
+        forms = std::make_unique<FormModel>(images());
+    return *forms;
 }
 
-usb_link& CtlSession::link()
+// The worker hands the images over on this thread, so the loop turns until
+// its thread has ended; its one end message comes before that.
+QString CtlSession::run(clerk::Command command, const QString& fileName, bool intoForms)
 {
-    if (main)
-        return *main->service->usb;
-    if (!ownLink) {
-        ownLink.reset(new usb_link);
-        ownLink->selectedKey = key;
-    }
-    return *ownLink;
-}
-
-// The worker hands the images over on the GUI thread, so the loop turns
-// until its thread has ended; its one end message comes before that.
-QString CtlSession::run(clerk::Command command, const QString& fileName, bool intoWidgets)
-{
-    std::unique_ptr<clerk> worker(window().newWorker(command, settings, fileName));
+    // The forms take their start state before the chip's or a file's image
+    // comes in, as in the program.
+    FormModel& forms = model();
+    RegisterImages& map = images();
+    clerk worker(command, fileName, &usb, settings, {{map.chipName, &map}});
+    if (command == clerk::Command::GuiToFile)
+        worker.save = GuiSave::take(forms, settings);
     QString message = QStringLiteral("the operation ended without a word");
     QEventLoop loop;
-    QObject::connect(worker.get(), &clerk::error_mess, &loop, [&message](const QString& text) { message = text; });
-    QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    worker->start();
+    QObject::connect(&worker, &clerk::error_mess, &loop, [&message](const QString& text) { message = text; });
+    QObject::connect(&worker, &QThread::finished, &loop, &QEventLoop::quit);
+    worker.start();
     loop.exec();
-    worker->wait();
-    if (message.isEmpty() && intoWidgets)
-        main->showOperationResult(worker->command);
+    worker.wait();
+    if (!message.isEmpty() || !intoForms)
+        return message;
+    // A write with read-back ends as a read.
+    const clerk::Command ended = worker.command;
+    if (ended == clerk::Command::ChipToGui || ended == clerk::Command::FileToGui)
+        forms.push(map.guiImage);
+    if (ended == clerk::Command::FileToGui)
+        forms.markChipOnly();
+    else
+        forms.fireDisplays();
     return message;
 }

@@ -1,19 +1,18 @@
-// The engine that zv4280ctl drives: the main window built offscreen and idle
-// (no "default.hex"), its USB link, the settings its commands run with, and
-// the worker's commands run to their end with the event loop turning.
+// The engine that zv4280ctl drives, without any window: the chip's register
+// images and the forms' state (built on first use, idle: no "default.hex"),
+// the USB link, the settings its commands run with, and the worker's
+// commands run to their end with the event loop turning.
 #pragma once
 
 #include "clerk.h"
+#include "usb_link.h"
 
 #include <QString>
 
 #include <memory>
 
-class MainClass;
 class FormModel;
 class RegisterImages;
-class mapshow;
-class usb_link;
 
 class CtlSession
 {
@@ -22,15 +21,10 @@ public:
     explicit CtlSession(const QString& boardKey);
     ~CtlSession();
 
-    // The main window with all forms bound, built on first use.
-    MainClass& window();
-    mapshow& map();
-    // The chip's register images and the forms' state, without widgets.
+    // The chip's register images, and the forms' state on them.
     RegisterImages& images();
     FormModel& model();
-    // The USB link: the panel's once the window is built, else one of the
-    // session's own (single registers need no forms).
-    usb_link& link();
+    usb_link& link() { return usb; }
     bool boardChosen() const { return !key.isEmpty(); }
 
     // What the worker's commands run with; it starts as the service panel
@@ -38,12 +32,14 @@ public:
     PanelSettings settings;
 
     // Runs a worker command and waits for its end; the worker's text when it
-    // failed, else empty. With intoWidgets a success ends as in the GUI: a
-    // read shows the image in the widgets and recomputes the displays.
-    QString run(clerk::Command command, const QString& fileName = QString(), bool intoWidgets = true);
+    // failed, else empty. With intoForms a success ends as in the GUI: a read
+    // or a load shows the image in the forms, a load marks what only the
+    // chip can tell, anything else recomputes the displays.
+    QString run(clerk::Command command, const QString& fileName = QString(), bool intoForms = true);
 
 private:
     QString key;
-    MainClass* main = nullptr; // lives until the process ends
-    std::unique_ptr<usb_link> ownLink;
+    usb_link usb;
+    std::unique_ptr<RegisterImages> registers;
+    std::unique_ptr<FormModel> forms;
 };

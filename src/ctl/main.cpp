@@ -1,9 +1,8 @@
 // zv4280ctl: the bench tool's engine from the command line.
 #include "ctl_program.h"
-#include "resources_init.h"
 #include "translation.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 
 int main(int argc, char* argv[])
 {
@@ -11,10 +10,9 @@ int main(int argc, char* argv[])
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
-    // The arguments are the tool's alone: Qt would take --style for itself.
+    // The arguments are the tool's alone.
     int qtArgc = 1;
-    QApplication app(qtArgc, argv);
-    zvInitResources();
+    QCoreApplication app(qtArgc, argv);
     installTranslation(app);
     return CtlProgram::run(arguments);
 }

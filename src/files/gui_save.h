@@ -1,14 +1,14 @@
-// Everything that a save of the GUI state writes, taken on the GUI thread
-// before the worker starts: the worker then touches no widget.
+// Everything that a save of the GUI state writes, taken on the thread of the
+// forms before the worker starts: the worker then reads no form.
 #pragma once
 
 #include <QByteArray>
-#include <QMap>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
 class FormModel;
+struct PanelSettings;
 
 struct GuiSave
 {
@@ -21,7 +21,7 @@ struct GuiSave
     QVector<bool> leftOut;     // registers that a full save leaves out
 
     // The map's images, comments and filters under the panel's flags
-    // "ChangesOnly", "HexComment", "StatusBits" and "ServiceBits" (the last
-    // two count as on when missing), from the form model on its thread.
-    static GuiSave take(const FormModel& model, const QMap<QString, int>& settings);
+    // (changes only, comments, status and service registers), from the form
+    // model on its thread.
+    static GuiSave take(const FormModel& model, const PanelSettings& settings);
 };

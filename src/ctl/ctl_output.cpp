@@ -25,9 +25,8 @@ int CtlOutput::done()
     if (asJson) {
         document.insert(QStringLiteral("ok"), true);
         printDocument();
-    } else {
-        for (const QString& text : qAsConst(lines))
-            print(text + QLatin1Char('\n'));
+    } else if (!lines.isEmpty()) {
+        print(lines.join(QLatin1Char('\n')) + QLatin1Char('\n'));
     }
     return int(CtlExit::Done);
 }

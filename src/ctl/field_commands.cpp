@@ -160,11 +160,13 @@ int FieldCommands::list(const QStringList& names)
     QJsonArray list;
     for (const CtlField& f : qAsConst(fields)) {
         const QString location = buildToolTip(f.record());
-        const QStringList items = f.items();
-        QString codes = f.editable() ? f.allowed() : QStringLiteral("displays only");
-        if (f.record().inverted)
-            codes += QStringLiteral(" (inverted in the register)");
-        out.line(QStringLiteral("%1\t%2\t%3\t%4").arg(f.name(), location, f.kindWords(), codes));
+        if (!out.json()) {
+            QString codes = f.editable() ? f.allowed() : QStringLiteral("displays only");
+            if (f.record().inverted)
+                codes += QStringLiteral(" (inverted in the register)");
+            out.line(QStringLiteral("%1\t%2\t%3\t%4").arg(f.name(), location, f.kindWords(), codes));
+            continue;
+        }
 
         QJsonArray registers;
         for (int r : f.registers())
@@ -179,9 +181,10 @@ int FieldCommands::list(const QStringList& names)
                           {QStringLiteral("min"), qint64(f.lowest())},
                           {QStringLiteral("max"), qint64(f.highest())}};
         if (f.kind() == CtlField::Kind::ComboBox)
-            entry.insert(QStringLiteral("items"), QJsonArray::fromStringList(items));
+            entry.insert(QStringLiteral("items"), QJsonArray::fromStringList(f.items()));
         list.append(entry);
     }
-    out.set(QStringLiteral("fields"), list);
+    if (out.json())
+        out.set(QStringLiteral("fields"), list);
     return out.done();
 }

@@ -90,12 +90,12 @@ int main(int argc, char* argv[])
     for (int run = 0; run < runs; ++run) {
         QElapsedTimer t;
         t.start();
-        HexReader reader(file);
-        if (!reader.open())
+        QStringList lines;
+        QString refusal;
+        if (!HexReader::readLines(file, &lines, &refusal))
             return 1;
         QMap<qint32, quint8> values;
-        QString line;
-        while (reader.nextLine(&line))
+        for (const QString& line : qAsConst(lines))
             if (HexFormat::classify(line) == HexFormat::LineKind::Register)
                 if (const auto r = HexFormat::readRegister(line))
                     values[r->number] = r->value;

@@ -1,7 +1,8 @@
 // Measures the map window offscreen: repainting it whole after a chip read
 // (new images, old copies dropped, one refresh, a grab of the window), and
 // resizing it (layout and the window's own repaint). Medians of many runs,
-// in wall time and in the thread's processor time.
+// in wall time and in the thread's processor time. An argument sets the
+// number of runs (few, for a profiler).
 
 #include "bench_support.h"
 #include "mapshow.h"
@@ -67,7 +68,7 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     zvInitResources();
     std::mt19937 random(4280);
-    const int runs = 101;
+    const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 101;
 
     for (const QSize size : {QSize(743, 546), QSize(1920, 1050)}) {
         mapshow map(QStringLiteral("ZV4280v2"), 291);

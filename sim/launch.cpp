@@ -4,7 +4,7 @@
 // PROGRAM as a child (which inherits the emulated bus) and serves the board
 // until PROGRAM exits. Its exit code is PROGRAM's. With --control it also
 // takes commands from a named pipe: unplug and replug the board, set or dump
-// the chip's registers.
+// the chip's registers, make a transfer fail.
 
 #include "hex_writer.h"
 #include "testbed.h"
@@ -41,6 +41,10 @@ const char* const kUsage =
     "                  its chip just powered up (as after a replug)\n"
     "  set REG VALUE   the chip of that board holds VALUE (hex) in register REG\n"
     "  dump FILE       that chip's registers are written to FILE as a .hex file\n"
+    "  stall           the board's next transfer stalls; the endpoint stays halted\n"
+    "                  until the program clears it\n"
+    "  fault short N   the board's next reply ends after N bytes\n"
+    "  fault overflow  the board's next reply moves every byte and reports an overflow\n"
     "Each command is answered on standard error with a line \"zvsim-launch: ...\".\n";
 
 volatile sig_atomic_t childPid = 0;
@@ -85,7 +89,8 @@ public:
         const std::string verb = word;
         if (verb == "plug") {
             say("plugged a board in at address " + std::to_string(plug()));
-        } else if (boards.empty() && (verb == "unplug" || verb == "set" || verb == "dump")) {
+        } else if (boards.empty() && (verb == "unplug" || verb == "set" || verb == "dump" || verb == "stall"
+                                      || verb == "fault")) {
             say("no board on the bus");
         } else if (verb == "unplug") {
             bus.removeBoard(boards.back().index);
@@ -100,12 +105,35 @@ public:
             const bool written = HexWriter::writeFile(QString::fromLocal8Bit(file),
                                                       HexWriter::chipText(QStringLiteral("ZV4280v2"), regs), false);
             say(written ? std::string("dumped the registers to ") + file : std::string("cannot write ") + file);
-        } else {
+        } else if (verb == "stall") {
+            bus.stallNext(boards.back().index);
+            say("the next transfer stalls");
+        } else if (verb != "fault" || !fault(line)) {
             say("unknown command: " + line);
         }
     }
 
 private:
+    // "fault short N" or "fault overflow": the next reply of the board goes
+    // wrong. False for any other text.
+    bool fault(const std::string& line)
+    {
+        char kind[16] = {};
+        int bytes = -1;
+        const int n = std::sscanf(line.c_str(), "%*s %15s %d", kind, &bytes);
+        const std::string what = n >= 1 ? kind : "";
+        if (what == "overflow" && n == 1) {
+            bus.failTransfer(boards.back().index, {zvsim::TransferFault::Overflow, false, 0, 0});
+            say("the next reply overflows");
+        } else if (what == "short" && n == 2 && bytes >= 0) {
+            bus.failTransfer(boards.back().index, {zvsim::TransferFault::Short, false, 0, bytes});
+            say("the next reply ends after " + std::to_string(bytes) + " bytes");
+        } else {
+            return false;
+        }
+        return true;
+    }
+
     struct Board
     {
         int index;

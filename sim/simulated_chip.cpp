@@ -22,7 +22,8 @@ SimulatedChip::SimulatedChip()
     // Powered up as the tool's "default.hex" sets a chip up.
     initSimResources();
     QStringList lines;
-    HexReader::readLines(QStringLiteral(":/sim/default.hex"), &lines);
+    QString refusal;
+    HexReader::readLines(QStringLiteral(":/sim/default.hex"), &lines, &refusal);
     for (const QString& line : qAsConst(lines))
         if (HexFormat::classify(line) == HexFormat::LineKind::Register)
             if (const auto reg = HexFormat::readRegister(line))

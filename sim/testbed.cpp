@@ -17,6 +17,7 @@
 #include <deque>
 #include <functional>
 #include <future>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -51,8 +52,16 @@ struct Board
     QString devNode;
     UMockdevIoctlBase* handler = nullptr;
     SimulatedChip chip;
-    QByteArray pendingReply;
-    std::deque<UMockdevIoctlData*> completed;
+    // What each open file of the node has in flight, as the kernel keeps it:
+    // the chip's answer waiting for the next URB IN, and the URBs to reap.
+    struct Client
+    {
+        QByteArray pendingReply;
+        std::deque<UMockdevIoctlData*> completed;
+    };
+    std::map<UMockdevIoctlClient*, Client> inFlight;
+    UMockdevIoctlClient* claimer = nullptr; // the client that holds interface 0
+    bool halted[2] = {false, false};        // endpoint OUT, endpoint IN: stalled until cleared
     bool removed = false;
     bool driverBound = false;
     bool refuseClaim = false;
@@ -94,14 +103,14 @@ struct Testbed::Private
         std::lock_guard<std::mutex> guard(p->mutex);
         ++b->opens;
         b->clients.push_back(static_cast<UMockdevIoctlClient*>(g_object_ref(client)));
-        dropCompleted(b);
     }
 
     static void dropCompleted(Board* b)
     {
-        for (UMockdevIoctlData* urb : b->completed)
-            umockdev_ioctl_data_unref(urb);
-        b->completed.clear();
+        for (auto& c : b->inFlight)
+            for (UMockdevIoctlData* urb : c.second.completed)
+                umockdev_ioctl_data_unref(urb);
+        b->inFlight.clear();
     }
 
     static int disconnected(const Board* b)
@@ -202,28 +211,47 @@ void Testbed::Private::handle(Board* b, UMockdevIoctlClient* client)
         }
         return;
     }
-    case USBDEVFS_CLAIMINTERFACE:
-        if (b->refuseClaim || b->driverBound) {
+    case USBDEVFS_CLAIMINTERFACE: {
+        // Another open file that still holds the interface keeps it, as the
+        // kernel refuses a second claim.
+        const bool taken = b->claimer && b->claimer != client && umockdev_ioctl_client_get_connected(b->claimer);
+        if (b->refuseClaim || b->driverBound || taken) {
             umockdev_ioctl_client_complete(client, -1, EBUSY);
         } else {
             ++b->claims;
+            b->claimer = client;
             umockdev_ioctl_client_complete(client, 0, 0);
         }
         return;
+    }
     case USBDEVFS_RELEASEINTERFACE:
         ++b->releases;
+        if (b->claimer == client)
+            b->claimer = nullptr;
         umockdev_ioctl_client_complete(client, 0, 0);
         return;
+    case USBDEVFS_CLEAR_HALT: {
+        UMockdevIoctlData* slot = umockdev_ioctl_data_resolve(arg, 0, sizeof(unsigned int), nullptr);
+        unsigned int endpoint = 0;
+        if (slot) {
+            std::memcpy(&endpoint, slot->data, sizeof(endpoint));
+            umockdev_ioctl_data_unref(slot);
+        }
+        b->halted[(endpoint & 0x80) ? 1 : 0] = false;
+        umockdev_ioctl_client_complete(client, slot ? 0 : -1, slot ? 0 : EFAULT);
+        return;
+    }
     case USBDEVFS_SUBMITURB:
         submit(b, client, arg);
         return;
     case USBDEVFS_REAPURBNDELAY:
-    case USBDEVFS_REAPURB:
-        if (b->completed.empty()) {
+    case USBDEVFS_REAPURB: {
+        std::deque<UMockdevIoctlData*>& completed = b->inFlight[client].completed;
+        if (completed.empty()) {
             umockdev_ioctl_client_complete(client, -1, b->removed ? ENODEV : EAGAIN);
         } else {
-            UMockdevIoctlData* urb = b->completed.front();
-            b->completed.pop_front();
+            UMockdevIoctlData* urb = completed.front();
+            completed.pop_front();
             // The argument points at the caller's slot for the URB's address.
             UMockdevIoctlData* slot = umockdev_ioctl_data_resolve(arg, 0, sizeof(void*), nullptr);
             if (slot) {
@@ -234,6 +262,7 @@ void Testbed::Private::handle(Board* b, UMockdevIoctlClient* client)
             umockdev_ioctl_client_complete(client, slot ? 0 : -1, slot ? 0 : EFAULT);
         }
         return;
+    }
     case USBDEVFS_DISCARDURB:
         umockdev_ioctl_client_complete(client, -1, EINVAL);
         return;
@@ -244,7 +273,8 @@ void Testbed::Private::handle(Board* b, UMockdevIoctlClient* client)
 }
 
 // A bulk URB completes at once: a frame OUT is answered by the chip, and the
-// answer waits for the next URB IN.
+// answer waits for the next URB IN of the same open file. A stalled endpoint
+// answers every URB with a stall until its halt is cleared.
 void Testbed::Private::submit(Board* b, UMockdevIoctlClient* client, UMockdevIoctlData* arg)
 {
     if (b->removed || (b->unplugAfter >= 0 && b->transfers >= b->unplugAfter)) {
@@ -268,7 +298,7 @@ void Testbed::Private::submit(Board* b, UMockdevIoctlClient* client, UMockdevIoc
     std::optional<TransferFault> fault;
     if (b->fault && b->fault->out == out && b->fault->skip-- == 0)
         fault.swap(b->fault);
-    if (b->transfers - 1 == b->stallAt) {
+    if (b->transfers - 1 == b->stallAt || b->halted[out ? 0 : 1]) {
         b->stallAt = -1;
         fault = TransferFault{TransferFault::Stall, out};
     }
@@ -280,9 +310,11 @@ void Testbed::Private::submit(Board* b, UMockdevIoctlClient* client, UMockdevIoc
     int moved = urb.buffer_length;
     const bool stalled = fault && fault->kind == TransferFault::Stall;
     urb.status = 0;
+    Board::Client& mine = b->inFlight[client];
     if (stalled) {
         moved = 0;
         urb.status = -EPIPE;
+        b->halted[out ? 0 : 1] = true;
     } else if (fault && fault->kind == TransferFault::Short) {
         moved = qMin(fault->bytes, moved);
     } else if (fault) {
@@ -292,12 +324,12 @@ void Testbed::Private::submit(Board* b, UMockdevIoctlClient* client, UMockdevIoc
         const QByteArray frame = buffer ? QByteArray(reinterpret_cast<const char*>(buffer->data), moved) : QByteArray();
         if (!stalled) {
             log.append({b->index, true, frame});
-            b->pendingReply = b->chip.answer(frame);
+            mine.pendingReply = b->chip.answer(frame);
         }
         urb.actual_length = moved;
     } else {
-        QByteArray reply = b->pendingReply.left(moved);
-        b->pendingReply.clear();
+        QByteArray reply = mine.pendingReply.left(moved);
+        mine.pendingReply.clear();
         urb.actual_length = reply.size();
         if (buffer && !reply.isEmpty())
             umockdev_ioctl_data_update(buffer, 0, reinterpret_cast<guint8*>(reply.data()), reply.size());
@@ -310,7 +342,7 @@ void Testbed::Private::submit(Board* b, UMockdevIoctlClient* client, UMockdevIoc
                                reinterpret_cast<guint8*>(&urb.actual_length), sizeof(urb.actual_length));
     if (buffer)
         umockdev_ioctl_data_unref(buffer);
-    b->completed.push_back(urbData);
+    mine.completed.push_back(urbData);
     umockdev_ioctl_client_complete(client, 0, 0);
 }
 

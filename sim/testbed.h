@@ -24,7 +24,8 @@ struct BoardConfig
 // How one bulk transfer goes wrong: it stalls and moves nothing; it ends
 // short after `bytes` bytes without an error; or it moves every byte and
 // still reports an error (an overflow). A stalled or short frame OUT reaches
-// the chip only as far as it got.
+// the chip only as far as it got. A stalled endpoint stays halted, every
+// transfer on it stalling, until the host clears the halt.
 struct TransferFault
 {
     enum Kind { Stall, Short, Overflow } kind = Stall;
@@ -66,7 +67,8 @@ public:
     void setRegister(int board, int reg, uint8_t value);
     QByteArray registers(int board) const;
 
-    // Faults, each for the given board.
+    // Faults, each for the given board. A second open file of a board's node
+    // cannot claim interface 0 while the first holds it (EBUSY).
     void unplugAfter(int board, int transfers); // later transfers fail: no device
     // The next transfer stalls; with `after`, the one after that many more,
     // in either direction.

@@ -3,6 +3,7 @@
 #include "hex_writer.h"
 #include "mapshow.h"
 #include "service_block.h"
+#include "usb_link.h"
 #include "boardsupport.h"
 #include "testsupport.h"
 #include <QtTest>
@@ -35,11 +36,19 @@ class tst_ctl : public QObject
         if (json)
             args.prepend("--json");
         QProcess p;
+        start(p, args);
+        return finish(p);
+    }
+    static void start(QProcess& p, const QStringList& args)
+    {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
             env.remove(name);
         p.setProcessEnvironment(env);
         p.start(ZV_CTL_PROGRAM, args);
+    }
+    static Run finish(QProcess& p)
+    {
         Run r;
         if (!p.waitForFinished(60000) || p.exitStatus() != QProcess::NormalExit)
             return r;
@@ -379,7 +388,15 @@ private slots:
         row("refused map name", {"load", path("other.hex")},
             "line 1: the map \"XY12\" is not this chip's; a saved file names it \";ZV4280\"");
         row("no register line", {"load", path("noregs.hex")}, "holds no register line");
-        row("register beyond the chip", {"load", path("beyond.hex")}, "line 3: no register 291: registers are 0 to 290");
+        row("register beyond the chip", {"load", path("beyond.hex")}, "line 3: no register \"291\": registers are 0 to 290");
+        write(path("notbyte.hex"), ";ZV4280\nReg12\t1FF\n");
+        write(path("huge.hex"), ";ZV4280\nReg12\t00\n" + QByteArray(1 << 20, '\n'));
+        write(path("overflow.hex"), "Reg99999999999 05\n");
+        row("value no byte", {"load", path("notbyte.hex")}, "line 2: the value \"1FF\" is no byte: one or two hex digits");
+        row("register number too long", {"load", path("overflow.hex")}, "line 1: no register \"99999999999\"");
+        row("file over 1 MiB", {"load", path("huge.hex")}, "is larger than 1 MiB; a settings file is a few kilobytes");
+        row("base with no register line", {"save", "SAVE", "--changes-only", "--base", path("noregs.hex")},
+            "base file: \"" + path("noregs.hex") + "\" holds no register line");
         row("style", {"dump", "--style", "fast"}, "--style takes single, block or auto");
         row("option of another command", {"dump", "--comments"}, "dump takes no option --comments");
         row("board", {"--board", "0x1:5", "dump"}, "--board takes BUS:ADDRESS");
@@ -393,6 +410,8 @@ private slots:
         row("unplugged before the write", {"field", "TS_MD=1"}, "LIBUSB_ERROR_NO_DEVICE", "unplug", 26);
         row("stall in a load", {"load", "LOAD"}, "Write block error", "stall", 2);
         row("stall in a save", {"save", "SAVE"}, "LIBUSB_ERROR_PIPE", "stall", 3);
+        row("board in use by another program", {"dump"}, "the board is in use by another program", "busy");
+        row("disk full in a save", {"save", "SAVE", "--comments"}, "could not be written (File too large); the file is as it was", "full");
     }
     void failures()
     {
@@ -404,21 +423,47 @@ private slots:
         write(path("load.hex"), ";ZV4280\nReg40\t5A\n");
         args.replaceInStrings("LOAD", path("load.hex"));
         args.replaceInStrings("SAVE", path("saved.hex"));
+        // A save that fails leaves the file as it was: none, or the old one.
+        const QByteArray old = fault == "full" ? ";ZV4280\nReg0\t12\n" : "<unreadable>";
         QFile::remove(path("saved.hex"));
+        if (fault == "full")
+            write(path("saved.hex"), old);
         const QByteArray chipBefore = chip();
+        usb_link holder; // another program, that holds the board
         if (fault == "removed")
             bus->removeBoard(board);
         else if (fault == "unplug")
             bus->unplugAfter(board, after);
         else if (fault == "stall")
             bus->stallNext(board, after);
+        else if (fault == "busy")
+            QVERIFY(holder.openDevice());
+        limitFileSize(fault == "full" ? 4096 : -1);
         const Run r = ctl(args, json);
-        QVERIFY(failed(r, json, fault.isEmpty() ? 2 : 1, message));
-        QVERIFY(!QFile::exists(path("saved.hex")));
+        limitFileSize(-1);
+        if (fault == "busy")
+            holder.closeDevice();
+        QVERIFY(failed(r, json, fault.isEmpty() || fault == "full" ? 2 : 1, message));
+        QCOMPARE(readFile(path("saved.hex")), old);
         if (fault.isEmpty()) {
             QVERIFY(json || r.out.isEmpty());
             QVERIFY(sent().isEmpty());
             QCOMPARE(chip(), chipBefore);
+        }
+    }
+
+    // Two programs at one board at once: one that finds it claimed says so
+    // at once, and neither hangs nor crashes.
+    void twoAtOnce()
+    {
+        for (int round = 0; round < 3; ++round) {
+            QProcess p[2];
+            for (QProcess& one : p)
+                start(one, {"dump"});
+            for (QProcess& one : p) {
+                const Run r = finish(one);
+                QVERIFY(r.exit == 0 ? r.out.count('\n') == 20 : failed(r, false, 1, "the board is in use by another program"));
+            }
         }
     }
 

@@ -29,12 +29,15 @@ class tst_filecommands : public QObject
     static void write(const QString& file, const QByteArray& text) { QVERIFY(writeFile(file, text)); }
     static QByteArray read(const QString& file) { return readFile(file); }
     QList<QByteArray> sent() const { return sentFrames(*bus); }
-    // Runs one command in a worker of its own and gives its end message.
-    QString run(int command, const QString& file)
+    // Runs one command in a worker of its own and gives its end message;
+    // `progress` hears the progress it reports.
+    QString run(int command, const QString& file, QList<int>* progress = nullptr)
     {
         clerk worker(command, file, main->service, main->maps);
         if (command == 6)
             worker.save = GuiSave::take(*map, main->service->settings);
+        if (progress)
+            connect(&worker, &clerk::percent_up, this, [progress](int p) { *progress << p; });
         const QStringList ends = runToEnd(&worker);
         return ends.size() == 1 ? ends.first() : QStringLiteral("<no single end message>");
     }
@@ -85,12 +88,12 @@ private slots:
     void cleanupTestCase() { delete main; }
 
     // Each section goes to the chip as one block, in file order, after a
-    // pause of its own; a register may be written twice. Register -1 is a
-    // pause as a map line is.
+    // pause of its own (a map line or register -1); a register may be
+    // written twice.
     void fileToChipInSections()
     {
         write(path("two.hex"),
-              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\nReg-1\t05\nReg32\t44\n");
+              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\nReg-1 00\nReg32\t44\n");
         set("writePause", 60);
         bus->clearWireLog();
         QElapsedTimer clock;
@@ -101,6 +104,87 @@ private slots:
                                                    QByteArray::fromHex("1503001E33"), QByteArray::fromHex("1503002044")}));
         QCOMPARE(bus->chip(board).reg(30), quint8(0x33));
         QCOMPARE(bus->chip(board).reg(31), quint8(0x22));
+    }
+
+    // A board replugged between two sections ends the load there, and the
+    // message says how far it got; the new board gets nothing. A long
+    // section goes in blocks, with progress after each.
+    void fileToChipAcrossAReplug()
+    {
+        QByteArray text;
+        for (int section = 1; section <= 3; ++section) // no map line: no pause before the first
+            for (int r = 0; r < 10; ++r)
+                text += (r == 0 && section > 1 ? ";ZV4280v2\nReg" : "Reg") + QByteArray::number(20 * section + r) + " "
+                        + QByteArray::number(0x11 * section, 16) + "\n";
+        write(path("sections.hex"), text);
+        bus->setRegister(board, 29, 0);
+        set("writePause", 600000);
+        clerk worker(3, path("sections.hex"), main->service, main->maps);
+        QList<int> progress;
+        QStringList ends;
+        connect(&worker, &clerk::percent_up, this, [&progress](int p) { progress << p; });
+        connect(&worker, &clerk::error_mess, this, [&ends](const QString& m) { ends << m; });
+        worker.start();
+        QTRY_COMPARE(bus->registers(board).at(29), char(0x11)); // the first section is in, the pause runs
+        bus->removeBoard(board);
+        const int replugged = bus->addBoard({0x2976, 3, 1, 6});
+        const QByteArray fresh = bus->registers(replugged);
+        set("writePause", 0);
+        QTRY_VERIFY(worker.isFinished() && !ends.isEmpty());
+        QCOMPARE(ends, QStringList{"Write block error\nsections 1 of 3 written (10 of 30 registers); the board changed"});
+        QCOMPARE(progress, QList<int>{33});
+        QCOMPARE(bus->registers(replugged), fresh);
+
+        QByteArray longSection = ";ZV4280v2\n";
+        for (int i = 0; i < 2500; ++i)
+            longSection += "Reg" + QByteArray::number(i % 291) + " 5A\n";
+        write(path("long.hex"), longSection);
+        progress.clear();
+        QCOMPARE(run(3, path("long.hex"), &progress), QString());
+        QCOMPARE(progress, (QList<int>{40, 80, 100}));
+        QCOMPARE(bus->registers(replugged).at(100), char(0x5A));
+    }
+
+    // Files that no load takes are refused whole, before anything is sent
+    // or applied: by F5, F7 and F9 alike a file that is none, and by F9 a
+    // register line that is no register or no byte, with the line named.
+    void refusedFiles_data()
+    {
+        QTest::addColumn<int>("command");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("message"); // FILE stands for the file's path
+        static const char utf16[] = "\xff\xfe;\0Z\0V\0\n\0R\0e\0g\0004\0000\0 \0005\0A\0";
+        for (int command : {3, 5}) {
+            QTest::addRow("command %d, empty", command) << command << QByteArray() << "\"FILE\" holds no register line";
+            QTest::addRow("command %d, map line only", command) << command << QByteArray(";ZV4280v2\n") << "\"FILE\" holds no register line";
+            QTest::addRow("command %d, UTF-16", command) << command << QByteArray(utf16, sizeof utf16 - 1)
+                                                        << "\"FILE\" is UTF-16 text; a settings file is UTF-8 or plain ASCII";
+            QTest::addRow("command %d, over 1 MiB", command) << command << ";ZV4280v2\nReg40\t5A\n" + QByteArray(1 << 20, '\n')
+                                                            << "\"FILE\" is larger than 1 MiB; a settings file is a few kilobytes";
+        }
+        const std::pair<const char*, const char*> lines[] = {
+            {"Reg99999999999 05", "no register \"99999999999\": registers are 0 to 290"},
+            {"Reg16500 01", "no register \"16500\": registers are 0 to 290"},
+            {"Reg-2 05", "no register \"-2\": registers are 0 to 290"},
+            {"Reg12 1FF", "the value \"1FF\" is no byte: one or two hex digits, 00 to FF"},
+            {"Reg12 ZZ", "the value \"ZZ\" is no byte: one or two hex digits, 00 to FF"},
+            {"Reg12 -5", "the value \"-5\" is no byte: one or two hex digits, 00 to FF"},
+            {"Reg12", "the value \"\" is no byte: one or two hex digits, 00 to FF"}};
+        for (auto [line, why] : lines)
+            QTest::addRow("command 3, %s", line) << 3 << ";ZV4280v2\nReg20 55\n" + QByteArray(line) + "\nReg21 66\n"
+                                                 << QString("FILE, line 3: %1 (\"%2\")").arg(why, line);
+    }
+    void refusedFiles()
+    {
+        QFETCH(int, command);
+        QFETCH(QByteArray, text);
+        QFETCH(QString, message);
+        write(path("refused.hex"), text);
+        bus->clearWireLog();
+        const QByteArray images = image(map->guiImage) + image(map->cfgImage);
+        QCOMPARE(run(command, path("refused.hex")), message.replace("FILE", path("refused.hex")));
+        QCOMPARE(sent().size(), 1); // the identity read alone
+        QCOMPARE(image(map->guiImage) + image(map->cfgImage), images);
     }
 
     // Where the name of the map in a file is looked at, and what it must be.
@@ -205,6 +289,15 @@ private slots:
         QCOMPARE(rdiv->value(), saved);
         QCOMPARE(image(map->guiImage).left(107), gui.left(107));
         QCOMPARE(main->windowTitle(), "ZV4280(v2/v3) TB 1.0.3" + path("gui.hex"));
+
+        // A disk that fills up: F6 and chip to file say so, and the old file stays.
+        const QByteArray before = read(path("gui.hex"));
+        limitFileSize(2048);
+        const QStringList full = {run(6, path("gui.hex")), run(4, path("gui.hex"))};
+        limitFileSize(-1);
+        const QString fullMessage = "\"" + path("gui.hex") + "\" could not be written (File too large); the file is as it was";
+        QCOMPARE(full, QStringList({fullMessage, fullMessage}));
+        QCOMPARE(read(path("gui.hex")), before);
 
         // A folder in the way of the file: the save says so.
         QVERIFY(QDir(dir.path()).mkpath("taken.hex"));

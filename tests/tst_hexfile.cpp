@@ -11,7 +11,6 @@
 #include <QtTest>
 #include <QtWidgets>
 #include <random>
-#include <unistd.h>
 
 // Hex settings files: saves from the real forms, the comment rules on a small form of their own,
 // what the load commands read from good and bad files, and saves that fail or append.
@@ -24,12 +23,13 @@ class tst_hexfile : public QObject
 
     QString path(const QString& name) const { return dir.filePath(name); }
     // What the load commands find in a file: ";name" for a map line, "n=VV" for a usable register
-    // line, "?" for a register line they cannot use.
+    // line, "?" for a register line they cannot use; or why they refuse it ("FILE" standing for its path).
     static QString seen(const QString& file)
     {
         QStringList lines, out;
-        if (!HexReader::readLines(file, &lines))
-            return "<unreadable>";
+        QString refusal;
+        if (!HexReader::readLines(file, &lines, &refusal))
+            return refusal.isEmpty() ? "<unreadable>" : refusal.replace(file, "FILE");
         for (const QString& line : lines) {
             if (HexFormat::classify(line) == HexFormat::LineKind::Map)
                 out << ";" + HexFormat::mapName(line);
@@ -188,20 +188,30 @@ private slots:
         QTest::newRow("four equivalent lines") << QByteArray("Reg12 0x5F\nReg12\t5F //text\nReg 12 &5f\nReg12 5F 77\n")
                                                << "12=5F 12=5F 12=5F 12=5F";
         QTest::newRow("indented, trailing blanks") << QByteArray("   Reg3 0A   \n\t\tReg4\t0B\t \n") << "3=0A 4=0B";
-        QTest::newRow("lower-case reg") << QByteArray("reg12 5F\nREG12 5F\n") << "";
+        QTest::newRow("lower-case reg") << QByteArray("reg12 5F\nREG12 5F\nReg1 02\n") << "1=02";
         QTest::newRow("four digits") << QByteArray("Reg7 1234\nReg8\t0x1FF\n") << "7=34 8=FF";
-        QTest::newRow("comments holding Reg") << QByteArray("//  Reg9 01\n\t   //Reg9 02 & 0x03\n// Reg 5 6\n") << "";
-        QTest::newRow("map lines") << QByteArray(";\n;ZV4280\n;ZV4280.2\n  ;ZV4280v2 \n") << "; ;ZV4280 ;ZV4280v2 ;ZV4280v2";
-        QTest::newRow("empty file") << QByteArray() << "";
-        QTest::newRow("line ends only") << QByteArray("\n\r\n\n") << "";
+        QTest::newRow("comments holding Reg") << QByteArray("//  Reg9 01\n\t   //Reg9 02 & 0x03\n// Reg 5 6\nReg1 02") << "1=02";
+        QTest::newRow("map lines") << QByteArray(";\n;ZV4280\n;ZV4280.2\n  ;ZV4280v2 \nReg1 02") << "; ;ZV4280 ;ZV4280v2 ;ZV4280v2 1=02";
+        const QString none = "\"FILE\" holds no register line", binary = "\"FILE\" is not a text file";
+        QTest::newRow("empty file") << QByteArray() << none;
+        QTest::newRow("line ends only") << QByteArray("\n\r\n\n") << none;
+        QTest::newRow("map line and comments only") << QByteArray(";ZV4280\n//  Clock settings \n\t   //Reg40 5A\nReg\n") << none;
         QTest::newRow("unusable register lines")
             << QByteArray("Reg\nReg12\nRegX 5F\nReg12 ZZ\nReg-3 5F\nReg-1 00\nReg99999999999 5F\nReg12 123456789AB\nhi Reg1 2\n")
             << "? ? 0=5F 12=00 -3=5F -1=00 0=5F 12=00";
-        static const char binary[] = "\x00\xff\xfe\x01Reg1 1\nReg\x00\n\xc3\x28Reg2 2\nReg5 A1\nReg6 \xff 7\nReg7 5F\x00\n";
-        QTest::newRow("binary") << QByteArray(binary, sizeof binary - 1) << "? 5=A1 6=00 7=00"; // NUL is no digit
-        QTest::newRow("very long lines") << "Reg5 A1 //" + QByteArray(1 << 20, 'x') + "\n" + QByteArray(1 << 18, ' ')
-                                                + "Reg6 B2\nReg7 " + QByteArray(1 << 18, '9') + "\nReg8 C3"
+        static const char bytes[] = "\x00\xff\xfe\x01Reg1 1\nReg\x00\n\xc3\x28Reg2 2\nReg5 A1\nReg6 \xff 7\nReg7 5F\x00\n";
+        QTest::newRow("binary") << QByteArray(bytes, sizeof bytes - 1) << binary;
+        static const char few[] = "Reg5 A1\nReg6 \xff 7\nReg7 5F\x00\nReg8 C3\nReg9 D4\n";
+        QTest::newRow("a few lines not UTF-8") << QByteArray(few, sizeof few - 1) << "5=A1 6=00 7=00 8=C3 9=D4"; // NUL is no digit
+        static const char utf16[] = "\xff\xfeR\0e\0g\0001\0 \0002\0\n\0", bare16[] = "R\0e\0g\0001\0 \0002\0\n\0R\0e\0g\0002\0";
+        QTest::newRow("UTF-16") << QByteArray(utf16, sizeof utf16 - 1)
+                                << "\"FILE\" is UTF-16 text; a settings file is UTF-8 or plain ASCII";
+        QTest::newRow("UTF-16 without a mark") << QByteArray(bare16, sizeof bare16 - 1) << binary;
+        QTest::newRow("very long lines") << "Reg5 A1 //" + QByteArray(1 << 18, 'x') + "\n" + QByteArray(1 << 17, ' ')
+                                                + "Reg6 B2\nReg7 " + QByteArray(1 << 17, '9') + "\nReg8 C3"
                                          << "5=A1 6=B2 7=00 8=C3";
+        QTest::newRow("over 1 MiB") << "Reg5 A1\n" + QByteArray(HexReader::kLargestFile - 7, '\n')
+                                    << "\"FILE\" is larger than 1 MiB; a settings file is a few kilobytes";
         QTest::newRow("CRLF") << QByteArray(";ZV4280\r\nReg1\t02 //a\r\nReg2\t03\r\n") << ";ZV4280 1=02 2=03";
         QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBF;ZV4280\nReg1 02") << ";ZV4280 1=02";
     }
@@ -214,9 +224,8 @@ private slots:
     }
     void readerRefuses()
     {
-        QStringList lines;
-        QVERIFY(!HexReader::readLines(path("missing.hex"), &lines));
-        QVERIFY(!HexReader::readLines(dir.path(), &lines));
+        QCOMPARE(seen(path("missing.hex")), "<unreadable>");
+        QCOMPARE(seen(dir.path()), "<unreadable>");
     }
 
     // Random images saved in every way come back as the registers each save holds.
@@ -242,7 +251,8 @@ private slots:
             QCOMPARE(registersIn(path("trip.hex")), expected);
             if (s.withComments) { // comments in any script come back whole
                 QStringList lines;
-                QVERIFY(HexReader::readLines(path("trip.hex"), &lines));
+                QString refusal;
+                QVERIFY(HexReader::readLines(path("trip.hex"), &lines, &refusal));
                 QCOMPARE(QString::fromUtf8(readFile(path("trip.hex"))), HexWriter::guiText(s));
                 QVERIFY(lines.contains("//Ток: 600µA") && lines.join('\n').contains("//Фаза: 90.00°"));
             }
@@ -268,6 +278,41 @@ private slots:
         QCOMPARE(readFile(path("new.hex")), QByteArray(";ZV4280\n"));
     }
 
+    // A save that runs out of room says so and leaves the old file byte for byte: a new file is never
+    // committed, an append is cut back, a file written over in place gets its old bytes back; when even
+    // they do not fit, the message says that the file is damaged.
+    void fullDisk_data()
+    {
+        QTest::addColumn<bool>("append");
+        QTest::addColumn<bool>("inPlace");
+        QTest::addColumn<int>("oldSize");
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("replaced") << false << false << 1000 << "the file is as it was";
+        QTest::newRow("appended") << true << false << 1000 << "the file is as it was";
+        QTest::newRow("written in place") << false << true << 1000 << "the file is as it was";
+        QTest::newRow("in place, no room for the old bytes")
+            << false << true << 3000 << "its old content could not be put back: the file is damaged";
+    }
+    void fullDisk()
+    {
+        QFETCH(bool, append);
+        QFETCH(bool, inPlace);
+        QFETCH(int, oldSize);
+        QFETCH(QString, outcome);
+        const QString file = path("full.hex");
+        const QByteArray old = ";ZV4280\n" + QByteArray(oldSize - 8, '/');
+        QVERIFY(writeFile(file, old));
+        HexWriter writer(file, append, inPlace);
+        QVERIFY(writer.open());
+        limitFileSize(2048);
+        writer.write(QString(5000, 'x'));
+        const bool committed = writer.commit();
+        limitFileSize(-1);
+        QVERIFY(!committed);
+        QCOMPARE(writer.errorText(), "\"" + file + "\" could not be written (File too large); " + outcome);
+        QCOMPARE(readFile(file) == old, !outcome.contains("damaged"));
+    }
+
     // A save that fails, or is dropped half-way as a crash would drop it, leaves the old file byte for byte.
     void failedSaveKeepsOldFile()
     {
@@ -284,11 +329,6 @@ private slots:
             HexWriter writer(oldFile, false);
             QVERIFY(writer.open());
             QVERIFY(writer.write(text));
-        }
-        if (geteuid() != 0) { // a read-only folder stops anyone but root
-            QFile::setPermissions(path("keep"), QFile::ReadOwner | QFile::ExeOwner);
-            QVERIFY(!HexWriter::writeFile(oldFile, text, false));
-            QFile::setPermissions(path("keep"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         }
         QCOMPARE(readFile(oldFile), old);
         QCOMPARE(QDir(path("keep")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), QStringList({"old.hex", "taken.hex"}));

@@ -187,17 +187,19 @@ private slots:
         QCOMPARE(value, opened >= 0 ? bus->chip(opened).reg(1) : quint8(0x42));
     }
 
-    // A board that fails in mid-operation, or refuses the claim of interface 0:
-    // the operation says so, the caller's buffer keeps what it held, and no
-    // transfer follows the failed one (an IN after a lost frame would wait
-    // out its timeout). Blocks fail in their third frame.
+    // A board that fails in mid-operation, refuses the claim of interface 0
+    // (held by another program), or a register number beyond what a frame
+    // carries: the operation says so, the caller's buffer keeps what it held,
+    // and no transfer follows the failed one (an IN after a lost frame would
+    // wait out its timeout). Blocks fail in their third frame. A stalled
+    // endpoint stays halted until the next operation clears it.
     void faults_data()
     {
         QTest::addColumn<QString>("fault");
         QTest::addColumn<QString>("op");
         for (const char* op : {"read", "write", "readBlock", "writeBlock", "readAuto", "writeAuto"})
             for (const char* fault : {"unplug", "stall in", "short in", "overflow in", "stall out", "short out",
-                                      "overflow out", "claim"})
+                                      "overflow out", "claim", "register 16500"})
                 QTest::addRow("%s, %s", fault, op) << fault << op;
     }
     void faults()
@@ -205,7 +207,7 @@ private slots:
         QFETCH(QString, fault);
         QFETCH(QString, op);
         const int skip = op == "read" || op == "write" ? 0 : 2;
-        const bool out = fault.endsWith("out");
+        const bool out = fault.endsWith("out"), beyond = fault.startsWith("register");
         bus->addBoard();
         if (fault == "unplug")
             bus->unplugAfter(0, 2 * skip + 1);
@@ -213,10 +215,47 @@ private slots:
             if (fault.startsWith(QStringList{"stall", "short", "overflow"}.at(kind)))
                 bus->failTransfer(0, {kind, out, skip, 3});
         bus->refuseClaim(0, fault == "claim");
-        QVERIFY(!run(op, 0, 107));
+        QVERIFY(!run(op, beyond ? 16500 : 0, 107));
         QVERIFY(buf == before);
-        QCOMPARE(uses(0), (QList<int>{1, 1}));
-        QCOMPARE(bus->transfers(0), fault == "claim" ? 0 : 2 * skip + (out || fault == "unplug" ? 1 : 2));
+        QCOMPARE(uses(0), (QList<int>{!beyond, !beyond}));
+        QCOMPARE(bus->transfers(0), fault == "claim" || beyond ? 0 : 2 * skip + (out || fault == "unplug" ? 1 : 2));
+        QCOMPARE(link->refusal(), fault == "claim" ? "the board is in use by another program" : "");
+        if (beyond)
+            QCOMPARE(link->transferFailure(), "register number 16500 is out of range, 0 to 16383");
+        if (fault.startsWith("stall"))
+            QVERIFY(run(op, 0, 107));
+    }
+
+    // An operation of several steps holds the board it reached first: it
+    // goes on with that board beside another, and fails when it has gone,
+    // whatever else is on the bus. Once let go, the single board is used.
+    void heldBoard_data()
+    {
+        QTest::addColumn<QString>("change");
+        QTest::addColumn<QString>("refusal");
+        QTest::newRow("none") << "" << "";
+        QTest::newRow("another board beside it") << "add" << "";
+        QTest::newRow("replugged at a new address") << "replug" << "the board changed";
+        QTest::newRow("pulled out") << "remove" << "the board has left the bus";
+    }
+    void heldBoard()
+    {
+        QFETCH(QString, change);
+        QFETCH(QString, refusal);
+        bus->addBoard();
+        link->holdBoard();
+        link->holdBoard(); // holds nest
+        quint8 value = 0;
+        QVERIFY(link->readRegister(1, &value));
+        link->releaseBoard();
+        if (change == "replug" || change == "remove")
+            bus->removeBoard(0);
+        if (change == "replug" || change == "add")
+            bus->addBoard({0x2976, 3, 1, 6});
+        QCOMPARE(link->readRegister(1, &value), refusal.isEmpty());
+        QCOMPARE(link->refusal(), refusal);
+        link->releaseBoard();
+        QCOMPARE(link->readRegister(1, &value), change != "add" && change != "remove");
     }
 };
 

@@ -183,6 +183,41 @@ private slots:
         QCOMPARE(ends.first() == "Incorrect chip", refused);
     }
 
+    // Commands 7 and 8, one register by number: a failed read or write ends
+    // as any failed register operation does, and "RegisterValue" keeps what
+    // it held.
+    void singleRegister_data()
+    {
+        QTest::addColumn<int>("command");
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QString>("message");
+        for (int command : {7, 8}) {
+            QTest::addRow("command %d", command) << command << 12 << "" << "";
+            QTest::addRow("command %d, no board", command) << command << 12 << "removed" << "Interface error 5 ";
+            QTest::addRow("command %d, unplugged", command) << command << 12 << "unplug" << "USB transfer error: LIBUSB_ERROR_NO_DEVICE";
+            QTest::addRow("command %d, register 16500", command)
+                << command << 16500 << "" << "USB transfer error: register number 16500 is out of range, 0 to 16383";
+        }
+    }
+    void singleRegister()
+    {
+        QFETCH(int, command);
+        QFETCH(int, number);
+        QFETCH(QString, fault);
+        bus->chip(board).setReg(12, 0x5A);
+        set("RegisterNumber", number), set("RegisterValue", 0x77);
+        if (fault == "removed")
+            bus->removeBoard(board);
+        else if (fault == "unplug")
+            bus->unplugAfter(board, 2); // after the identity read
+        clerk worker(command, QString(), main->service, main->maps);
+        QTEST(runToEnd(&worker).value(0), "message");
+        const bool done = fault.isEmpty() && number == 12;
+        QCOMPARE(main->service->setting("RegisterValue"), done && command == 7 ? 0x5A : 0x77);
+        QCOMPARE(bus->chip(board).reg(12), done && command == 8 ? 0x77 : 0x5A);
+    }
+
     void endWithoutMaps()
     {
         clerk worker(1, QString(), main->service, {});

@@ -8,9 +8,11 @@
 #include "ctl_session.h"
 #include "mapshow.h"
 #include "part.h"
+#include "usb_link.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QScopeGuard>
 
 FieldCommands::FieldCommands(CtlSession& s, CtlOutput& o) : session(s), out(o) {}
 
@@ -89,6 +91,10 @@ int FieldCommands::write(const QStringList& assignments)
     session.setSetting("ChangesOnly", 1);
     session.setSetting("InteractiveRefresh", 1);
     session.setSetting("writePause", 0);
+    // The read, the write and the read-back go to one board.
+    usb_link& link = session.link();
+    link.holdBoard();
+    const auto release = qScopeGuard([&link] { link.releaseBoard(); });
     QString failure = session.run(1);
     if (!failure.isEmpty())
         return boardFailure(failure);

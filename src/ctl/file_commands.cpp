@@ -22,47 +22,43 @@ int FileCommands::boardFailure(const QString& what)
 
 // A load takes what a save writes: every map line names the chip (";ZV4280",
 // ";ZV4280v2", ";ZV4280.2", read as a load into the forms reads them), every
-// register is one of the chip's, and one register line at least is there.
+// register line holds one of the chip's registers and a byte, and one
+// register line at least is there.
 int FileCommands::checkLoad(const QString& file, int* status)
 {
     QStringList lines;
-    if (!HexReader::readLines(file, &lines)) {
-        *status = out.fail(CtlExit::Usage, QStringLiteral("cannot read \"%1\"").arg(file));
+    QString refusal;
+    if (!HexReader::readLines(file, &lines, &refusal)) {
+        *status = out.fail(CtlExit::Usage, refusal.isEmpty() ? QStringLiteral("cannot read \"%1\"").arg(file) : refusal);
         return -1;
     }
     const mapshow& map = session.map();
     int registers = 0;
     for (int i = 0; i < lines.size(); ++i) {
         const QString& line = lines.at(i);
-        const QString where = QStringLiteral("%1, line %2: ").arg(file).arg(i + 1);
         switch (HexFormat::classify(line)) {
         case HexFormat::LineKind::Map: {
             const QString name = HexFormat::loadedMapName(line);
             if (!session.window().maps.contains(name)) {
-                *status = out.fail(CtlExit::Usage, where + QStringLiteral("the map \"%1\" is not this chip's; a saved file names it \"%2\"")
-                                                               .arg(HexFormat::mapName(line), HexFormat::mapLine(map.chipName)));
+                *status = out.fail(CtlExit::Usage, HexFormat::refusedLine(file, i + 1, line,
+                                                                          QStringLiteral("the map \"%1\" is not this chip's; a saved file names it \"%2\"")
+                                                                              .arg(HexFormat::mapName(line), HexFormat::mapLine(map.chipName))));
                 return -1;
             }
             break;
         }
-        case HexFormat::LineKind::Register:
-            if (const auto reg = HexFormat::readRegister(line)) {
-                if (reg->number < 0 || reg->number >= qint32(map.registerCount)) {
-                    *status = out.fail(CtlExit::Usage, where + QStringLiteral("no register %1: registers are 0 to %2")
-                                                                   .arg(reg->number)
-                                                                   .arg(map.registerCount - 1));
-                    return -1;
-                }
-                ++registers;
+        case HexFormat::LineKind::Register: {
+            const QString fault = HexFormat::chipLineFault(line, int(map.registerCount));
+            if (!fault.isEmpty()) {
+                *status = out.fail(CtlExit::Usage, HexFormat::refusedLine(file, i + 1, line, fault));
+                return -1;
             }
+            registers += HexFormat::readRegister(line)->number >= 0 ? 1 : 0; // -1 is a pause
             break;
+        }
         case HexFormat::LineKind::Other:
             break;
         }
-    }
-    if (registers == 0) {
-        *status = out.fail(CtlExit::Usage, QStringLiteral("\"%1\" holds no register line").arg(file));
-        return -1;
     }
     return registers;
 }
@@ -96,6 +92,12 @@ int FileCommands::save(const QString& file, bool comments, bool changesOnly, con
     session.setSetting("ChangesOnly", changesOnly ? 1 : 0);
     session.setSetting("MergeFile", 0);
     if (changesOnly) {
+        // A base that no load would take is refused before the board is touched.
+        QStringList lines;
+        QString refusal;
+        if (!HexReader::readLines(baseFile, &lines, &refusal))
+            return out.fail(CtlExit::Usage, refusal.isEmpty() ? QStringLiteral("cannot read the base file \"%1\"").arg(baseFile)
+                                                              : QStringLiteral("base file: ") + refusal);
         // The base file goes into cfgImage as a load into the forms reads it.
         const QString failure = session.run(5, baseFile, false);
         if (!failure.isEmpty())

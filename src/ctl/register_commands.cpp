@@ -10,6 +10,7 @@
 #include "usb_link.h"
 
 #include <QJsonArray>
+#include <QScopeGuard>
 
 namespace {
 
@@ -102,6 +103,9 @@ int RegisterCommands::set(const QString& registerText, const QString& valueText)
 
     const quint8 written = quint8(value);
     usb_link& link = session.link();
+    // The write and the read-back go to one board.
+    link.holdBoard();
+    const auto release = qScopeGuard([&link] { link.releaseBoard(); });
     if (!link.writeRegister(number, &written))
         return boardFailure(QStringLiteral("register %1 could not be written").arg(number) + transferDetail());
     quint8 readBack = 0;
@@ -121,6 +125,6 @@ int RegisterCommands::set(const QString& registerText, const QString& valueText)
 
 QString RegisterCommands::transferDetail() const
 {
-    const QString failure = session.link().transferFailure();
+    const QString failure = session.link().reason();
     return failure.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(failure);
 }

@@ -58,11 +58,14 @@ bool usb_link::scanDevices()
 }
 
 // Opens the board named by selectedKey, or the only board when there is just
-// one, and claims its interface 0. Every false path releases what it took.
+// one (while a board is held, that board alone), and claims its interface 0.
+// Every false path releases what it took, and no false path leaves a handle.
 bool usb_link::openDevice()
 {
     lock.lock();
     failure.clear();
+    refused.clear();
+    handle = nullptr;
     if (libusb_init(nullptr) < 0) {
         lock.unlock();
         return false;
@@ -80,7 +83,6 @@ bool usb_link::openDevice()
         list = nullptr;
         return fail();
     }
-    handle = nullptr;
     QMap<QString, libusb_device*> bridges;
     for (ssize_t i = 0; i < n; ++i) {
         libusb_device_descriptor d;
@@ -92,16 +94,23 @@ bool usb_link::openDevice()
                                  quint8(libusb_get_device_address(list[i]))),
                        list[i]);
     }
-    libusb_device* chosen = nullptr;
-    if (bridges.contains(selectedKey))
-        chosen = bridges.value(selectedKey);
-    else if (bridges.size() == 1)
-        chosen = bridges.first();
-    if (!chosen) {
+    QString chosenKey;
+    if (holds > 0 && !heldKey.isEmpty()) {
+        if (!bridges.contains(heldKey)) {
+            refused = bridges.isEmpty() ? QStringLiteral("the board has left the bus")
+                                        : QStringLiteral("the board changed");
+            return fail();
+        }
+        chosenKey = heldKey;
+    } else if (bridges.contains(selectedKey)) {
+        chosenKey = selectedKey;
+    } else if (bridges.size() == 1) {
+        chosenKey = bridges.firstKey();
+    } else {
         statusText = QStringLiteral("Refresh device list");
         return fail();
     }
-    if (libusb_open(chosen, &handle) != 0)
+    if (libusb_open(bridges.value(chosenKey), &handle) != 0)
         handle = nullptr;
     libusb_free_device_list(list, 1);
     list = nullptr;
@@ -109,10 +118,21 @@ bool usb_link::openDevice()
         return fail();
     if (libusb_kernel_driver_active(handle, 0) == 1)
         libusb_detach_kernel_driver(handle, 0);
-    if (libusb_claim_interface(handle, 0) != 0) {
+    const int claimed = libusb_claim_interface(handle, 0);
+    if (claimed != 0) {
+        // No transfer ever follows a claim that failed.
+        if (claimed == LIBUSB_ERROR_BUSY)
+            refused = QStringLiteral("the board is in use by another program");
         libusb_close(handle);
         handle = nullptr;
         return fail();
+    }
+    if (holds > 0 && heldKey.isEmpty())
+        heldKey = chosenKey;
+    if (stalled) {
+        libusb_clear_halt(handle, kEndpointOut);
+        libusb_clear_halt(handle, kEndpointIn);
+        stalled = false;
     }
     return true; // the lock stays held until closeDevice
 }
@@ -126,9 +146,15 @@ void usb_link::closeDevice()
     lock.unlock();
 }
 
+// With no device open a transfer moves nothing and says so; libusb is never
+// handed a null handle.
 int usb_link::bulkOut(quint8* data, int length)
 {
     int transferred = 0;
+    if (!handle) {
+        lastTransferResult = LIBUSB_ERROR_NO_DEVICE;
+        return 0;
+    }
     lastTransferResult = libusb_bulk_transfer(handle, kEndpointOut, data, length, &transferred, kTimeoutMs);
     return transferred;
 }
@@ -136,6 +162,10 @@ int usb_link::bulkOut(quint8* data, int length)
 int usb_link::bulkIn(quint8* data, int length)
 {
     int transferred = 0;
+    if (!handle) {
+        lastTransferResult = LIBUSB_ERROR_NO_DEVICE;
+        return 0;
+    }
     lastTransferResult = libusb_bulk_transfer(handle, kEndpointIn, data, length, &transferred, kTimeoutMs);
     return transferred;
 }
@@ -153,6 +183,8 @@ bool usb_link::exchange(quint8* out, quint8* in, int length)
     for (bool toBoard : {true, false}) {
         const int moved = toBoard ? bulkOut(out, length) : bulkIn(in, length);
         if (lastTransferResult != 0) {
+            // A stalled endpoint stays halted until the next open clears it.
+            stalled = stalled || lastTransferResult == LIBUSB_ERROR_PIPE;
             failure = QString::fromLatin1(libusb_error_name(lastTransferResult));
             return false;
         }
@@ -173,6 +205,7 @@ bool usb_link::refuse()
 {
     QMutexLocker guard(&lock);
     failure.clear();
+    refused.clear();
     return false;
 }
 
@@ -188,11 +221,47 @@ QString usb_link::currentStatusText() const
     return statusText;
 }
 
+QString usb_link::refusal() const
+{
+    QMutexLocker guard(&lock);
+    return refused;
+}
+
+QString usb_link::reason() const
+{
+    QMutexLocker guard(&lock);
+    return refused.isEmpty() ? failure : refused;
+}
+
+void usb_link::holdBoard()
+{
+    QMutexLocker guard(&lock);
+    ++holds;
+}
+
+void usb_link::releaseBoard()
+{
+    QMutexLocker guard(&lock);
+    if (holds > 0 && --holds == 0)
+        heldKey.clear();
+}
+
+bool usb_link::addressesFit(int first, int last)
+{
+    const int outside = first < 0 ? first : qMax(first, kLastAddress + 1);
+    if (first >= 0 && last <= kLastAddress)
+        return true;
+    QMutexLocker guard(&lock);
+    refused.clear();
+    failure = QStringLiteral("register number %1 is out of range, 0 to %2").arg(outside).arg(kLastAddress);
+    return false;
+}
+
 bool usb_link::singleRegister(int address, quint8 mark, quint8 data, quint8* reply)
 {
     quint8 frame[5] = {frameType, 3, quint8((address >> 8) | mark), quint8(address & 0xFF), data};
     std::memset(reply, 0, 5);
-    if (!openDevice())
+    if (!addressesFit(address, address) || !openDevice())
         return false;
     const bool ok = exchange(frame, reply, 5);
     closeDevice();
@@ -240,7 +309,13 @@ bool usb_link::block(int count, quint8* elements, bool write)
     }
     if (interfaceKind != 0 || count < 0)
         return refuse();
-    if (!openDevice())
+    int lowest = 0, highest = 0;
+    for (int i = 0; i < count; ++i) {
+        const int address = elementAddress(elements + i * elementSize());
+        lowest = i == 0 ? address : qMin(lowest, address);
+        highest = qMax(highest, address);
+    }
+    if (!addressesFit(lowest, highest) || !openDevice())
         return false;
     const int perFrame = (frameSize - 2) / 3;
     std::vector<quint8> out(static_cast<size_t>(frameSize)), in(static_cast<size_t>(frameSize));
@@ -311,7 +386,7 @@ bool usb_link::autoincrement(int start, int count, const quint8* source, quint8*
 {
     if (interfaceKind != 0)
         return refuse();
-    if (!openDevice())
+    if ((count > 0 && !addressesFit(start, start + count - 1)) || !openDevice())
         return false;
     const int perFrame = frameSize - 4;
     const quint8 direction = source ? writeFlag : readFlag;

@@ -22,7 +22,10 @@ struct libusb_device_handle;
 // Operations from the service panel (GUI thread) and from the worker never
 // interleave on the device: each one holds the link's lock for its cycle.
 // A transfer that fails, times out or moves fewer bytes than asked ends the
-// operation with false, and the caller's buffers keep what they held.
+// operation with false, and the caller's buffers keep what they held. An
+// address outside 0 to 0x3FFF is refused before any transfer: the two high
+// bits of the address high byte are the frame's read and autoincrement marks.
+// After a stall the next operation clears the halt of both endpoints first.
 class usb_link
 {
 public:
@@ -58,12 +61,29 @@ public:
     QString transferFailure() const;
     // statusText, read safely from any thread.
     QString currentStatusText() const;
+    // Why the last register operation found no board it may use although the
+    // bus shows one: "the board is in use by another program", "the board
+    // changed"; empty otherwise.
+    QString refusal() const;
+    // The refusal, else the transfer failure: why the last register
+    // operation failed, in a few words; empty when it found no board.
+    QString reason() const;
+
+    // An operation of several steps holds the board: from holdBoard() on,
+    // every register operation goes to the board (bus and address) that the
+    // first of them opened, and fails with "the board changed" when that one
+    // has left the bus, whatever else is plugged in. Holds nest;
+    // releaseBoard() ends the one taken last.
+    void holdBoard();
+    void releaseBoard();
 
     // The vendor identifier of every bridge board; the product may be any.
     static constexpr quint16 kBridgeVendor = 0x2976;
     static constexpr unsigned kTimeoutMs = 5000;
     static constexpr unsigned char kEndpointOut = 0x02;
     static constexpr unsigned char kEndpointIn = 0x81;
+    // The highest register address a frame carries.
+    static constexpr int kLastAddress = 0x3FFF;
 
     // "2976 3 1 a ": vendor, product, bus, address in lower-case hex, each
     // followed by a blank.
@@ -101,7 +121,14 @@ private:
     bool refuse();
     int elementSize() const { return addressBytes + 1; }
     int elementAddress(const quint8* element) const;
+    // False, with the failure said, when a register from first to last has
+    // no address in a frame.
+    bool addressesFit(int first, int last);
 
     mutable QRecursiveMutex lock;
     QString failure;
+    QString refused;
+    int holds = 0;
+    QString heldKey;     // the board held, once the first operation opened it
+    bool stalled = false; // an endpoint stalled: the next open clears the halts
 };

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include <cctype>
+
 HexFormat::LineKind HexFormat::classify(const QString& trimmedLine)
 {
     if (trimmedLine.startsWith(QLatin1Char(';')))
@@ -24,20 +26,43 @@ QString HexFormat::loadedMapName(const QString& trimmedMapLine)
     return name.contains(QLatin1String("ZV4280")) ? QStringLiteral("ZV4280v2") : name;
 }
 
-// "Reg12 0x5F", "Reg12\t5F //text", "Reg 12 &5f" and "Reg12 5F 77" all mean
-// register 12, value 0x5F: tabs count as blanks, "&", "0x" and "Reg" are
-// dropped anywhere in the line, and the first two pieces are the register
-// number (decimal) and the value (hexadecimal). A piece that is no number,
-// or too big a number, counts as 0; the value keeps its low 8 bits.
-// A negative number reads as it stands: file to chip takes -1 for a pause
-// and sends the others as they are; file to GUI has no place for them.
-std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
+namespace {
+
+// A register line with tabs as blanks and "&", "0x" and "Reg" dropped: the
+// register number and the value are its first two pieces.
+QString registerText(const QString& line)
 {
     QString text = line;
     text.replace(QLatin1Char('\t'), QLatin1Char(' '));
     text.remove(QLatin1Char('&'));
     text.remove(QLatin1String("0x"));
     text.remove(QLatin1String("Reg"));
+    return text;
+}
+
+// True when text is one or more ASCII digits of the base, 10 or 16.
+bool digitsOnly(const QStringRef& text, int base)
+{
+    for (const QChar c : text) {
+        const int ascii = c.unicode() > 0x7F ? 0 : c.unicode();
+        if (!(base == 10 ? std::isdigit(ascii) : std::isxdigit(ascii)))
+            return false;
+    }
+    return !text.isEmpty();
+}
+
+} // namespace
+
+// "Reg12 0x5F", "Reg12\t5F //text", "Reg 12 &5f" and "Reg12 5F 77" all mean
+// register 12, value 0x5F: tabs count as blanks, "&", "0x" and "Reg" are
+// dropped anywhere in the line, and the first two pieces are the register
+// number (decimal) and the value (hexadecimal). A piece that is no number,
+// or too big a number, counts as 0; the value keeps its low 8 bits.
+// A negative number reads as it stands; file to GUI has no place for it, and
+// file to chip takes no line that chipLineFault finds fault with.
+std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
+{
+    const QString text = registerText(line);
     const QVector<QStringRef> pieces = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
     if (pieces.size() < 2)
         return std::nullopt;
@@ -46,6 +71,25 @@ std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
     r.number = pieces.at(0).toInt(nullptr, 10);
     r.value = quint8(pieces.at(1).toUInt(nullptr, 16) & 0xFFu);
     return r;
+}
+
+QString HexFormat::chipLineFault(const QString& line, int registerCount)
+{
+    const QString text = registerText(line);
+    const QVector<QStringRef> pieces = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QStringRef number = pieces.value(0), value = pieces.value(1);
+    // "-1" is the pause marker a map line also makes: file to chip waits there.
+    const bool pause = number == QLatin1String("-1");
+    if (!pause && (!digitsOnly(number, 10) || number.size() > 9 || number.toInt() >= registerCount))
+        return QStringLiteral("no register \"%1\": registers are 0 to %2").arg(number).arg(registerCount - 1);
+    if (!digitsOnly(value, 16) || value.size() > 2)
+        return QStringLiteral("the value \"%1\" is no byte: one or two hex digits, 00 to FF").arg(value);
+    return QString();
+}
+
+QString HexFormat::refusedLine(const QString& file, int number, const QString& line, const QString& why)
+{
+    return QStringLiteral("%1, line %2: %3 (\"%4\")").arg(file).arg(number).arg(why, line);
 }
 
 QString HexFormat::mapLine(const QString& chipName)

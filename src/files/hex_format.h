@@ -33,6 +33,13 @@ public:
     // Reads a register line the lenient way; nothing when the line is not
     // usable.
     static std::optional<Register> readRegister(const QString& line);
+    // Why a register line may not go to the chip, read as readRegister reads
+    // it: its number is no register from 0 to registerCount - 1, or its value
+    // is no byte of one or two hex digits. Empty when it may.
+    static QString chipLineFault(const QString& line, int registerCount);
+    // A load's refusal of one line of a file: the file, the line's number
+    // from 1, why, and the line itself.
+    static QString refusedLine(const QString& file, int number, const QString& line, const QString& why);
 
     // ";" and the chip name less "v2": ";ZV4280".
     static QString mapLine(const QString& chipName);

@@ -1,36 +1,46 @@
-// Reading a .hex settings file line by line.
+// Reading a .hex settings file for a load.
 #include "hex_reader.h"
 
-HexReader::HexReader(const QString& path) : file(path) {}
+#include "hex_format.h"
 
-bool HexReader::open()
-{
-    return file.open(QIODevice::ReadOnly);
-}
+#include <QFile>
+#include <QTextCodec>
 
-bool HexReader::nextLine(QString* line)
+bool HexReader::readLines(const QString& path, QStringList* lines, QString* refusal)
 {
-    if (!file.isOpen() || file.atEnd())
-        return false;
-    // Every line read holds at least its line end or one byte: nothing read
-    // means a read error, which ends the file as well.
-    const QByteArray bytes = file.readLine();
-    if (bytes.isEmpty())
-        return false;
-    // The decoder drops a byte order mark that an editor may have put first.
-    // A zero byte is a character like any other, not the line's end.
-    *line = QString::fromUtf8(bytes.constData(), bytes.size()).trimmed();
-    return true;
-}
-
-bool HexReader::readLines(const QString& path, QStringList* lines)
-{
-    HexReader reader(path);
-    if (!reader.open())
-        return false;
+    refusal->clear();
     lines->clear();
-    QString line;
-    while (reader.nextLine(&line))
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray bytes = file.read(kLargestFile + 1);
+    if (file.error() != QFileDevice::NoError)
+        return false;
+    if (bytes.size() > kLargestFile) {
+        *refusal = QStringLiteral("\"%1\" is larger than 1 MiB; a settings file is a few kilobytes").arg(path);
+        return false;
+    }
+    if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF")) {
+        *refusal = QStringLiteral("\"%1\" is UTF-16 text; a settings file is UTF-8 or plain ASCII").arg(path);
+        return false;
+    }
+    QTextCodec* utf8 = QTextCodec::codecForName("UTF-8");
+    int texts = 0, binaries = 0, registers = 0;
+    for (const QByteArray& raw : bytes.split('\n')) {
+        QTextCodec::ConverterState state;
+        // The decoder drops a byte order mark that an editor may have put
+        // first. A zero byte is a character like any other, not the line's end.
+        const QString line = utf8->toUnicode(raw.constData(), raw.size(), &state).trimmed();
         lines->append(line);
-    return true;
+        if (line.isEmpty())
+            continue;
+        (raw.contains('\0') || state.invalidChars > 0 ? binaries : texts) += 1;
+        if (HexFormat::classify(line) == HexFormat::LineKind::Register && HexFormat::readRegister(line))
+            ++registers;
+    }
+    if (binaries > texts)
+        *refusal = QStringLiteral("\"%1\" is not a text file").arg(path);
+    else if (registers == 0)
+        *refusal = QStringLiteral("\"%1\" holds no register line").arg(path);
+    return refusal->isEmpty();
 }

@@ -1,26 +1,23 @@
-// Reads a .hex settings file line by line, trimmed, for the commands that
-// load a file; what a line means is HexFormat's business.
+// Reads a .hex settings file for the commands that load one: its lines,
+// trimmed, or why the file is no settings file; what a line means is
+// HexFormat's business.
 #pragma once
 
-#include <QFile>
 #include <QString>
 #include <QStringList>
 
 class HexReader
 {
 public:
-    explicit HexReader(const QString& path);
+    // The largest file a load takes; settings files are a few kilobytes.
+    static constexpr qint64 kLargestFile = 1 << 20;
 
-    // False when the file cannot be read (missing, unreadable, a folder).
-    bool open();
-    // The next line without its line end and surrounding white space; false
-    // at the end of the file. Text is UTF-8; bytes that are not are replaced,
-    // and lines of any length are read whole.
-    bool nextLine(QString* line);
-
-    // All lines of a file at once; false when it cannot be read.
-    static bool readLines(const QString& path, QStringList* lines);
-
-private:
-    QFile file;
+    // All lines of a settings file, without their line ends and surrounding
+    // white space; false when the file cannot be used. `refusal` then says
+    // why, or stays empty when the file cannot be read at all (missing,
+    // unreadable, a folder). Refused are files over 1 MiB, UTF-16 text,
+    // binary data (most lines hold a zero byte or are no UTF-8) and files
+    // without a usable register line. Text is UTF-8; in a line that is not,
+    // the bytes that are not are replaced.
+    static bool readLines(const QString& path, QStringList* lines, QString* refusal);
 };

@@ -5,27 +5,64 @@
 #include "hex_format.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 
-HexWriter::HexWriter(const QString& path, bool append) : path(path), append(append) {}
+#include <cerrno>
 
-HexWriter::~HexWriter() = default;
+HexWriter::HexWriter(const QString& path, bool append, bool inPlace) : path(path), append(append), inPlace(inPlace) {}
+
+HexWriter::~HexWriter()
+{
+    if (file && !append && !inPlace)
+        static_cast<QSaveFile*>(file.get())->cancelWriting();
+    else if (file)
+        putBack(); // dropped before commit: nothing of the new text stays
+}
 
 bool HexWriter::open()
 {
-    if (append) {
-        auto* f = new QFile(path);
+    auto refuse = [this] {
+        file.reset();
+        failed = true;
+        return false;
+    };
+    if (!append && !inPlace) {
+        auto* f = new QSaveFile(path);
         file.reset(f);
-        failed = !f->open(QIODevice::WriteOnly | QIODevice::Append);
-    } else {
+        if (f->open(QIODevice::WriteOnly))
+            return true;
         // A file that can be written in a folder that cannot (no room for
         // the temporary copy) is written in place.
-        auto* f = new QSaveFile(path);
-        f->setDirectWriteFallback(true);
-        file.reset(f);
-        failed = !f->open(QIODevice::WriteOnly);
+        inPlace = QFileInfo(path).isFile();
+        if (!inPlace)
+            return refuse();
     }
-    return !failed;
+    auto* f = new QFile(path);
+    file.reset(f);
+    if (!f->open(append ? QIODevice::ReadWrite | QIODevice::Append : QIODevice::ReadWrite))
+        return refuse();
+    // What a failure must put back: the old end of an appended file, the old
+    // bytes of a file written over.
+    if (append)
+        keptFrom = f->size();
+    else
+        keptBytes = f->readAll();
+    if (f->error() != QFileDevice::NoError || (!append && !(f->seek(0) && f->resize(0))))
+        return refuse();
+    return true;
+}
+
+bool HexWriter::fail()
+{
+    const int code = errno;
+    if (!failed && file) {
+        error = file->errorString();
+        if (code != 0 && (error.isEmpty() || error == QLatin1String("Unknown error")))
+            error = qt_error_string(code);
+    }
+    failed = true;
+    return false;
 }
 
 bool HexWriter::write(const QString& text)
@@ -33,28 +70,45 @@ bool HexWriter::write(const QString& text)
     if (failed || !file)
         return false;
     const QByteArray bytes = text.toUtf8();
-    failed = file->write(bytes) != bytes.size();
-    return !failed;
+    if (file->write(bytes) != bytes.size() || file->error() != QFileDevice::NoError)
+        return fail();
+    return true;
+}
+
+bool HexWriter::putBack()
+{
+    file->close(); // what it could not write goes with it
+    file.reset();
+    QFile f(path);
+    return f.open(QIODevice::ReadWrite) && f.seek(keptFrom) && f.write(keptBytes) == keptBytes.size() && f.flush()
+           && f.resize(keptFrom + keptBytes.size()) && f.error() == QFileDevice::NoError;
 }
 
 bool HexWriter::commit()
 {
     if (!file)
         return false;
-    bool ok = !failed;
-    if (auto* saveFile = qobject_cast<QSaveFile*>(file.get())) {
-        if (ok)
-            ok = saveFile->commit();
-        else
+    if (!failed && (!file->flush() || file->error() != QFileDevice::NoError))
+        fail();
+    bool damaged = false;
+    if (!append && !inPlace) {
+        auto* saveFile = static_cast<QSaveFile*>(file.get());
+        if (!failed && !saveFile->commit())
+            fail();
+        if (failed)
             saveFile->cancelWriting();
+        file.reset();
+    } else if (failed) {
+        damaged = !putBack();
     } else {
-        ok = file->flush() && ok;
         file->close();
-        ok = ok && file->error() == QFileDevice::NoError;
+        file.reset();
     }
-    file.reset();
-    failed = !ok;
-    return ok;
+    if (failed)
+        error = QStringLiteral("\"%1\" could not be written (%2); ").arg(path, error)
+                + (damaged ? QStringLiteral("its old content could not be put back: the file is damaged")
+                           : QStringLiteral("the file is as it was"));
+    return !failed;
 }
 
 bool HexWriter::writeFile(const QString& path, const QString& text, bool append)

@@ -22,6 +22,12 @@ const QStaticText& CellDelegate::laidOut(const QString& text, const QFont& font)
     return *it;
 }
 
+Qt::Alignment CellDelegate::alignment(int role)
+{
+    const Qt::Alignment alignment(role);
+    return alignment & Qt::AlignVertical_Mask ? alignment : alignment | Qt::AlignVCenter;
+}
+
 void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
     const bool selected = option.state.testFlag(QStyle::State_Selected);
@@ -35,11 +41,9 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     if (!display.isValid())
         return;
     const QStaticText& text = laidOut(display.toString(), option.font);
-    Qt::Alignment alignment = Qt::Alignment(index.data(Qt::TextAlignmentRole).toInt());
-    if (!(alignment & Qt::AlignVertical_Mask))
-        alignment |= Qt::AlignVCenter;
     const QSize size = text.size().toSize();
-    const QRect place = QStyle::alignedRect(option.direction, alignment, size, option.rect);
+    const QRect place = QStyle::alignedRect(option.direction, alignment(index.data(Qt::TextAlignmentRole).toInt()),
+                                            size, option.rect);
     painter->setFont(option.font);
     painter->setPen(option.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
     // A text wider than its cell (a very narrow window) stays inside it.

@@ -17,8 +17,13 @@ public:
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
-private:
+    // `text` laid out in `font`, kept for the next call.
     const QStaticText& laidOut(const QString& text, const QFont& font) const;
+    // The place of a text of the alignment role's value `role`: centred
+    // vertically unless the role says otherwise.
+    static Qt::Alignment alignment(int role);
+
+private:
 
     mutable QHash<QString, QStaticText> texts; // laid out in `textFont`
     mutable QFont textFont;

@@ -1,7 +1,9 @@
 #include "mapshow.h"
+#include "cached_header.h"
 #include "cell_delegate.h"
 #include "table_named_model.h"
 #include "table_triada_model.h"
+#include "triad_painter.h"
 #include "ui_mapshow.h"
 
 #include <QApplication>
@@ -53,10 +55,13 @@ void mapshow::setUpView()
 {
     QTableView* table = ui->RegisterTable;
     if (ui->choose_view->currentIndex() == TriadView) {
+        table->setHorizontalHeader(new CachedHeader(Qt::Horizontal, table));
+        table->setVerticalHeader(new CachedHeader(Qt::Vertical, table));
         auto* model = new TableTriadaModel(table, 1, registerCount, this);
         viewModel = model;
         table->setModel(model);
         table->setItemDelegate(new CellDelegate(table));
+        new TriadPainter(table, model);
         table->installEventFilter(this);
     } else if (ui->choose_view->currentIndex() == NamedView) {
         setUpNamedView();

@@ -6,6 +6,8 @@
 #include <QHeaderView>
 #include <QTableView>
 
+#include <cstdio>
+
 RegisterBlocks::Cell RegisterBlocks::cell(int row, int column) const
 {
     const int block = row / linesPerBlock;
@@ -35,50 +37,83 @@ void RegisterBlocks::setColumnWidths(QTableView* view, int width) const
     }
 }
 
+RegisterBlocks::Face RegisterBlocks::face(const Cell& cell, bool shown, bool changed, const quint8* const* images,
+                                          const Look& look)
+{
+    static const char digits[] = "0123456789ABCDEF";
+    Face face = {{0, 0, 0, 0}, true, None};
+    const quint8* image = cell.isImageLine() ? images[cell.line - GuiLine] : nullptr;
+    // None on the number line, yellow in the hexadecimal column, grey on the
+    // bit line and behind the last register, blue for a changed bit, grey for
+    // a set bit, white otherwise.
+    if (cell.line == NumberLine)
+        face.shade = None;
+    else if (!cell.isBit())
+        face.shade = Yellow;
+    else if (cell.line == BitLine || !shown)
+        face.shade = Grey;
+    else if (changed)
+        face.shade = Blue;
+    else
+        face.shade = image && bit(image, cell.position()) ? Grey : White;
+
+    if (!shown) {
+        face.text[0] = '-';
+        return face;
+    }
+    switch (cell.line) {
+    case NumberLine:
+        std::snprintf(face.text, sizeof face.text, "%u", unsigned(cell.reg) % 1000u);
+        break;
+    case BitLine:
+        if (cell.isBit())
+            face.text[0] = char('7' - cell.x);
+        else
+            qstrncpy(face.text, look.hexTitle, sizeof face.text);
+        break;
+    case SpacerLine:
+        face.hasText = look.spacerText;
+        break;
+    default:
+        if (cell.isBit()) {
+            face.text[0] = bit(image, cell.position()) ? '1' : '0';
+        } else {
+            face.text[0] = digits[image[cell.reg] >> 4];
+            face.text[1] = digits[image[cell.reg] & 15];
+        }
+    }
+    return face;
+}
+
 QVariant RegisterBlocks::data(const Cell& cell, int role, bool shown, bool changed, const quint8* const* images,
                               const Look& look)
 {
-    const quint8* image = cell.isImageLine() ? images[cell.line - GuiLine] : nullptr;
     switch (role) {
     case Qt::TextAlignmentRole:
         return look.alignment;
     case Qt::DisplayRole:
-    case Qt::EditRole:
-        if (!shown)
-            return QStringLiteral("-");
-        switch (cell.line) {
-        case NumberLine:
-            return look.numberAsText ? QVariant(QString::number(cell.reg)) : QVariant(cell.reg);
-        case BitLine:
-            return cell.isBit() ? QString::number(7 - cell.x) : QString::fromLatin1(look.hexTitle);
-        case SpacerLine:
-            return look.spacerText ? QVariant(QString()) : QVariant();
-        default:
-            if (!cell.isBit())
-                return hexByte(image[cell.reg]);
-            return bit(image, cell.position()) ? QStringLiteral("1") : QStringLiteral("0");
-        }
-    case Qt::BackgroundRole: {
-        // None on the number line, yellow in the hexadecimal column, grey on
-        // the bit line and behind the last register, blue for a changed bit,
-        // grey for a set bit, white otherwise.
-        static const QColor yellow(QStringLiteral("#FFFF00"));
-        static const QColor grey(QStringLiteral("#DDDDDD"));
-        static const QColor blue(QStringLiteral("#00BFFF"));
-        static const QColor white(QStringLiteral("#FFFFFF"));
-        if (cell.line == NumberLine)
+    case Qt::EditRole: {
+        const Face f = face(cell, shown, changed, images, look);
+        if (!f.hasText)
             return QVariant();
-        if (!cell.isBit())
-            return yellow;
-        if (cell.line == BitLine || !shown)
-            return grey;
-        if (changed)
-            return blue;
-        return image && bit(image, cell.position()) ? grey : white;
+        if (cell.line == NumberLine && shown && !look.numberAsText)
+            return cell.reg;
+        return QString::fromLatin1(f.text);
+    }
+    case Qt::BackgroundRole: {
+        const Shade shade = face(cell, shown, changed, images, look).shade;
+        return shade == None ? QVariant() : QVariant(colour(shade));
     }
     default:
         return QVariant();
     }
+}
+
+QColor RegisterBlocks::colour(Shade shade)
+{
+    static const QColor colours[] = {QColor(), QColor(QStringLiteral("#FFFF00")), QColor(QStringLiteral("#DDDDDD")),
+                                     QColor(QStringLiteral("#00BFFF")), QColor(QStringLiteral("#FFFFFF"))};
+    return colours[shade];
 }
 
 QString RegisterBlocks::hexByte(quint8 byte)

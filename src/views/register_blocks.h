@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QColor>
 #include <QString>
 #include <QVariant>
 
@@ -54,11 +55,24 @@ public:
     // hexadecimal columns 8 more.
     void setColumnWidths(QTableView* view, int width) const;
 
-    // A cell's text, alignment and background. `images` are guiImage, icImage
-    // and cfgImage; a register not `shown` is "-" on grey; a `changed` bit is
-    // blue.
+    // The backgrounds of the cells; `None` leaves the view's own colour.
+    enum Shade : quint8 { None, Yellow, Grey, Blue, White };
+    // What a cell shows, in one piece: its text (up to three Latin-1
+    // characters, none when `hasText` is false) and its background.
+    struct Face
+    {
+        char text[4];
+        bool hasText;
+        Shade shade;
+    };
+
+    // A cell's face. `images` are guiImage, icImage and cfgImage; a register
+    // not `shown` is "-" on grey; a `changed` bit is blue.
+    static Face face(const Cell& cell, bool shown, bool changed, const quint8* const* images, const Look& look);
+    // A cell's text, alignment and background for the item roles, from its face.
     static QVariant data(const Cell& cell, int role, bool shown, bool changed, const quint8* const* images,
                          const Look& look);
+    static QColor colour(Shade shade);
     static QString lineTitle(int section, const Look& look) { return QString::fromLatin1(look.lineTitles[section % linesPerBlock]); }
 
     static int bit(const quint8* image, int position) { return (image[position / 8] >> (7 - position % 8)) & 1; }

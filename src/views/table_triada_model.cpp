@@ -40,14 +40,23 @@ QVariant TableTriadaModel::data(const QModelIndex& index, int role) const
     if (!index.isValid() || index.row() >= rows || index.column() >= columns)
         return QVariant();
     const RegisterBlocks::Cell cell = blocks().cell(index.row(), index.column());
-    const bool shown = cell.reg <= shownRegisters;
-    // Each image line is compared with its own old copy.
+    return RegisterBlocks::data(cell, role, cell.reg <= shownRegisters, changed(cell), liveImages.data(), look);
+}
+
+RegisterBlocks::Face TableTriadaModel::face(int row, int column) const
+{
+    const RegisterBlocks::Cell cell = blocks().cell(row, column);
+    return RegisterBlocks::face(cell, cell.reg <= shownRegisters, changed(cell), liveImages.data(), look);
+}
+
+// Each image line is compared with its own old copy.
+bool TableTriadaModel::changed(const RegisterBlocks::Cell& cell) const
+{
+    if (cell.reg > shownRegisters || !cell.isImageLine() || !cell.isBit())
+        return false;
     const size_t image = size_t(cell.line - RegisterBlocks::GuiLine);
-    const bool changed =
-        role == Qt::BackgroundRole && shown && cell.isImageLine() && cell.isBit() &&
-        RegisterBlocks::bit(liveImages[image], cell.position()) !=
-            RegisterBlocks::bit(reinterpret_cast<const quint8*>(oldImages[image].constData()), cell.position());
-    return RegisterBlocks::data(cell, role, shown, changed, liveImages.data(), look);
+    return RegisterBlocks::bit(liveImages[image], cell.position()) !=
+           RegisterBlocks::bit(reinterpret_cast<const quint8*>(oldImages[image].constData()), cell.position());
 }
 
 bool TableTriadaModel::setData(const QModelIndex& index, const QVariant&, int)

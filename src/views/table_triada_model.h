@@ -28,6 +28,9 @@ public:
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    // What the cell at `row` and `column`, both in the table, shows: the
+    // text and background that data() gives, in one lookup.
+    RegisterBlocks::Face face(int row, int column) const;
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     // Rows and columns come and go with the view's width only; these add or
@@ -46,6 +49,7 @@ public:
     void refresh() override;
 
 private:
+    bool changed(const RegisterBlocks::Cell& cell) const;
     RegisterBlocks blocks() const { return RegisterBlocks(columns / RegisterBlocks::columnsPerRegister); }
 
     int columns = RegisterBlocks::columnsPerRegister;

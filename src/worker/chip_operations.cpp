@@ -100,7 +100,8 @@ QString clerk::chipWrite()
             case 0:
                 for (int i = 0; i < count; ++i) {
                     if (!link()->writeRegister(i, &gui[size_t(i)]))
-                        return interfaceError();
+                        return interfaceError() + QLatin1Char('\n')
+                               + QStringLiteral("%1 of %2 registers written").arg(i).arg(count);
                     if (interrupted)
                         return tr("Interrupted");
                 }
@@ -130,7 +131,10 @@ QString clerk::chipWrite()
                 return tr("Interrupted");
             command = 1;
             emit percent_up(45);
-            return chipRead();
+            const QString readBack = chipRead();
+            if (readBack.isEmpty() || readBack == tr("Interrupted"))
+                return readBack;
+            return readBack + QLatin1Char('\n') + QStringLiteral("the registers were written; the read-back failed");
         }
         emit percent_up(100);
         return QString();
@@ -138,12 +142,14 @@ QString clerk::chipWrite()
     return QString();
 }
 
-// Command 7: the register "RegisterNumber" into the setting "RegisterValue".
+// Command 7: the register "RegisterNumber" into the setting "RegisterValue",
+// which a failed read leaves as it was.
 QString clerk::readOne()
 {
     emit percent_up(1);
     quint8 value = 0;
-    link()->readRegister(setting("RegisterNumber"), &value);
+    if (!link()->readRegister(setting("RegisterNumber"), &value))
+        return interfaceError();
     emit percent_up(50);
     service->setSetting(QStringLiteral("RegisterValue"), value);
     emit percent_up(100);
@@ -155,7 +161,8 @@ QString clerk::writeOne()
 {
     emit percent_up(1);
     const quint8 value = quint8(setting("RegisterValue") & 0xFF);
-    link()->writeRegister(setting("RegisterNumber"), &value);
+    if (!link()->writeRegister(setting("RegisterNumber"), &value))
+        return interfaceError();
     emit percent_up(100);
     return QString();
 }

@@ -20,7 +20,13 @@ clerk::clerk(int commandNumber, const QString& file, service_block* panel, const
 
 void clerk::run()
 {
-    emit error_mess(operation());
+    usb_link* held = service ? link() : nullptr;
+    if (held)
+        held->holdBoard();
+    const QString end = operation();
+    if (held)
+        held->releaseBoard();
+    emit error_mess(end);
 }
 
 QString clerk::operation()
@@ -84,6 +90,9 @@ bool clerk::pause()
 // message then names.
 QString clerk::interfaceError() const
 {
+    const QString refusal = link()->refusal();
+    if (!refusal.isEmpty())
+        return refusal;
     const QString failure = link()->transferFailure();
     if (!failure.isEmpty())
         return tr("Ошибка обмена по USB: ") + failure;
@@ -94,7 +103,7 @@ QString clerk::interfaceError() const
 // list" when no board or several boards and none chosen).
 QString clerk::statusOrInterfaceError() const
 {
-    if (!link()->transferFailure().isEmpty())
+    if (!link()->transferFailure().isEmpty() || !link()->refusal().isEmpty())
         return interfaceError();
     const QString advice = link()->currentStatusText();
     return advice.isEmpty() ? tr("Interface error 5 ") : advice;

@@ -16,7 +16,9 @@ class usb_link;
 // The worker: one thread per operation. It carries out one numbered command
 // (1 chip to GUI, 2 GUI to chip, 3 file to chip, 4 chip to file, 5 file to
 // GUI, 6 GUI to file, 7 and 8 one register), reports progress, and ends with
-// exactly one error_mess: an empty text for success, else what failed.
+// exactly one error_mess: an empty text for success, else what failed. An
+// operation works on one board: the one it reached first (see
+// usb_link::holdBoard).
 //
 // It never touches a widget, and it reads and writes the images of the
 // register map only on the GUI thread (a blocking call there), so that the
@@ -74,4 +76,7 @@ private:
     // The end text of a failed register operation.
     QString interfaceError() const;
     QString statusOrInterfaceError() const;
+    // The lines of fileName for a load; an end text when the file is none
+    // a load takes.
+    QString readSettings(QStringList* lines) const;
 };

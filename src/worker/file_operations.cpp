@@ -15,6 +15,9 @@
 
 namespace {
 
+// The most registers file to chip sends in one block.
+constexpr int kBlock = 1000;
+
 // One entry of the list that file to chip sends: a register, or a pause
 // before a section of the file.
 struct Entry
@@ -25,15 +28,28 @@ struct Entry
 
 } // namespace
 
+QString clerk::readSettings(QStringList* lines) const
+{
+    QString refusal;
+    if (HexReader::readLines(fileName, lines, &refusal))
+        return QString();
+    return refusal.isEmpty() ? tr(".hex file is not available") : refusal;
+}
+
 // Command 3: the file's registers straight to the chip, in file order, each
-// section (what follows a map line) as one block write after a pause.
+// section (what follows a map line) as one block write after a pause; a long
+// section goes in blocks of kBlock registers, with progress after each. The
+// whole file is checked before anything is sent. A failure on the way says
+// how far the file got.
 QString clerk::fileToChip()
 {
     QStringList lines;
-    if (!HexReader::readLines(fileName, &lines))
-        return tr(".hex file is not available");
+    const QString unusable = readSettings(&lines);
+    if (!unusable.isEmpty())
+        return unusable;
     std::vector<Entry> entries;
-    for (const QString& line : qAsConst(lines)) {
+    for (int n = 0; n < lines.size(); ++n) {
+        const QString& line = lines.at(n);
         switch (HexFormat::classify(line)) {
         case HexFormat::LineKind::Map: {
             const QString name = setting("ConfigCheck") == 0 ? maps.firstKey() : HexFormat::mapName(line);
@@ -42,16 +58,35 @@ QString clerk::fileToChip()
             entries.push_back(Entry());
             break;
         }
-        case HexFormat::LineKind::Register:
-            if (const auto reg = HexFormat::readRegister(line))
-                entries.push_back({reg->number, reg->value});
+        case HexFormat::LineKind::Register: {
+            const QString fault = HexFormat::chipLineFault(line, int(firstMap()->registerCount));
+            if (!fault.isEmpty())
+                return HexFormat::refusedLine(fileName, n + 1, line, fault);
+            const auto reg = HexFormat::readRegister(line);
+            entries.push_back({reg->number, reg->value});
             break;
+        }
         case HexFormat::LineKind::Other:
             break;
         }
     }
 
+    // A section ends at the register before a pause or at the end.
     const int length = int(entries.size());
+    auto endsSection = [&](int i) { return entries[size_t(i)].address >= 0 && (i + 1 == length || entries[size_t(i + 1)].address < 0); };
+    int sections = 0, registers = 0, sectionsSent = 0, sent = 0;
+    for (int i = 0; i < length; ++i) {
+        sections += endsSection(i) ? 1 : 0;
+        registers += entries[size_t(i)].address >= 0 ? 1 : 0;
+    }
+    auto partWay = [&](const QString& first) {
+        const QString reason = link()->reason();
+        return first + QLatin1Char('\n')
+               + QStringLiteral("sections %1 of %2 written (%3 of %4 registers)")
+                     .arg(sectionsSent).arg(sections).arg(sent).arg(registers)
+               + (reason.isEmpty() ? QString() : QStringLiteral("; ") + reason);
+    };
+
     const int addressBytes = link()->addressBytes;
     for (int i = 0; i < length;) {
         if (setting("separateWrite") != 0) {
@@ -60,14 +95,18 @@ QString clerk::fileToChip()
                 if (!pause())
                     return tr("Interrupted");
             } else if (!link()->writeRegister(e.address, &e.value)) {
-                return tr("Write register error");
+                return partWay(tr("Write register error"));
+            } else {
+                ++sent;
+                sectionsSent += endsSection(i) ? 1 : 0;
             }
             emit percent_up(i * 100 / length);
             ++i;
             continue;
         }
         std::vector<quint8> block;
-        for (; i < length && entries[size_t(i)].address >= 0; ++i) {
+        int count = 0;
+        for (; i < length && entries[size_t(i)].address >= 0 && count < kBlock; ++i, ++count) {
             const Entry& e = entries[size_t(i)];
             if (addressBytes != 1)
                 block.push_back(quint8(e.address >> 8));
@@ -76,12 +115,19 @@ QString clerk::fileToChip()
             if (interrupted)
                 return tr("Interrupted");
         }
-        if (!block.empty() && !link()->writeBlock(int(block.size()) / (addressBytes + 1), block.data()))
-            return tr("Write block error");
+        if (count > 0) {
+            if (!link()->writeBlock(count, block.data()))
+                return partWay(tr("Write block error"));
+            sent += count;
+            sectionsSent += endsSection(i - 1) ? 1 : 0;
+            emit percent_up(sent * 100 / registers);
+        }
         if (interrupted)
             return tr("Interrupted");
         if (i >= length)
             return QString();
+        if (entries[size_t(i)].address >= 0)
+            continue; // the section goes on in the next block
         if (!pause()) // entry i is the pause before the next section
             return tr("Interrupted");
         ++i;
@@ -98,13 +144,13 @@ QString clerk::chipToFile()
     for (mapshow* map : qAsConst(maps)) {
         QByteArray registers(int(map->registerCount), 0);
         if (!link()->readAuto(0, registers.size(), reinterpret_cast<quint8*>(registers.data())))
-            return tr("WINUSB: USB interface error ") + link()->transferFailure();
+            return tr("WINUSB: USB interface error ") + link()->reason();
         emit percent_up(50);
         if (!file.write(HexWriter::chipText(map->chipName, registers)))
-            return tr(".hex file is not available");
+            break;
     }
     if (!file.commit())
-        return tr(".hex file is not available");
+        return file.errorText();
     return QString();
 }
 
@@ -117,8 +163,9 @@ QString clerk::guiToFile()
     if (!file.open())
         return tr(".hex file is not available");
     const QString text = HexWriter::guiText(save, [this](int percent) { emit percent_up(percent); });
-    if (!file.write(text) || !file.commit())
-        return tr(".hex file is not available");
+    file.write(text);
+    if (!file.commit())
+        return file.errorText();
     emit percent_up(100);
     return QString();
 }
@@ -129,8 +176,9 @@ QString clerk::guiToFile()
 QString clerk::fileToGui()
 {
     QStringList lines;
-    if (!HexReader::readLines(fileName, &lines))
-        return tr(".hex file is not available");
+    const QString unusable = readSettings(&lines);
+    if (!unusable.isEmpty())
+        return unusable;
     QMap<QString, QMap<int, quint8>> values;
     for (auto it = maps.cbegin(); it != maps.cend(); ++it)
         values.insert(it.key(), {});

@@ -10,6 +10,9 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include <csignal>
+#include <sys/resource.h>
+
 ModalCatcher::ModalCatcher(QObject* parent) : QObject(parent)
 {
     connect(&timer, &QTimer::timeout, this, &ModalCatcher::poll);
@@ -44,8 +47,9 @@ QStringList runToEnd(clerk* worker, int timeoutMs)
     worker->start();
     if (!QTest::qWaitFor([&] { return worker->isFinished(); }, timeoutMs))
         return ends << QStringLiteral("<still running>");
-    // Every message the thread sent is queued by now.
-    QCoreApplication::sendPostedEvents(&receiver, QEvent::MetaCall);
+    // Every signal the thread sent is queued by now, for the receiver here
+    // and for whatever else the caller connected (progress, say).
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
     return ends;
 }
 
@@ -64,4 +68,13 @@ bool writeFile(const QString& path, const QByteArray& bytes)
 QByteArray imageBytes(const unsigned char* image, int size)
 {
     return QByteArray(reinterpret_cast<const char*>(image), size);
+}
+
+void limitFileSize(qint64 bytes)
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = bytes < 0 ? limit.rlim_max : rlim_t(bytes);
+    setrlimit(RLIMIT_FSIZE, &limit);
 }

@@ -39,6 +39,10 @@ bool waitIdle(MainClass* window, int timeoutMs = 20000);
 QByteArray readFile(const QString& path);
 bool writeFile(const QString& path, const QByteArray& bytes);
 
+// Writes of this process and its children past `bytes` of a file fail as
+// on a full disk (EFBIG); a negative count lifts the limit.
+void limitFileSize(qint64 bytes);
+
 // The bytes of a register image.
 QByteArray imageBytes(const unsigned char* image, int size = 291);
 

@@ -13,6 +13,7 @@
 
 #include <QEventLoop>
 #include <QJsonArray>
+#include <QScopeGuard>
 #include <QSocketNotifier>
 
 #include <csignal>
@@ -62,6 +63,8 @@ int ServeCommand::run(const QString& listenPath)
     QObject::connect(&ending, &QSocketNotifier::activated, &loop, &QEventLoop::quit);
     std::signal(SIGINT, onSignal);
     std::signal(SIGTERM, onSignal);
+    // Clients may connect from here on.
+    CtlOutput::printError(QStringLiteral("zv4280ctl: serve: listening at %1\n").arg(server.path()));
     loop.exec();
     return int(CtlExit::Done);
 }
@@ -170,6 +173,9 @@ void ServeCommand::write(const QJsonObject& params, const RpcReply& reply)
         return reply.result(QJsonObject{{QStringLiteral("written"), written}, {QStringLiteral("readBack"), QJsonObject()}});
 
     usb_link& link = session.link();
+    // The writes and the read-back go to one board.
+    link.holdBoard();
+    const auto release = qScopeGuard([&link] { link.releaseBoard(); });
     const int count = int(addresses.size());
     std::vector<quint8> list = link.blockList(addresses, bytes.data());
     if (!link.writeBlock(count, list.data())) {
@@ -218,8 +224,8 @@ RpcError ServeCommand::boardError(const QString& what)
     const QString why = CtlBoard::absence(session.boardChosen());
     if (!why.isEmpty())
         return {RpcCode::NoBoard, what + QStringLiteral(": ") + why};
-    const QString failure = session.link().transferFailure();
+    const QString reason = session.link().reason();
     return {RpcCode::BoardFailed,
-            what + (failure.isEmpty() ? QStringLiteral(": the board could not be opened")
-                                      : QStringLiteral(": a transfer failed (%1)").arg(failure))};
+            what + (reason.isEmpty() ? QStringLiteral(": the board could not be opened")
+                                     : QStringLiteral(" (%1)").arg(reason))};
 }

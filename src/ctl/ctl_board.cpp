@@ -85,6 +85,27 @@ QString CtlBoard::absence(bool boardChosen)
     return QString();
 }
 
+QJsonObject CtlBoard::json(const Found& b)
+{
+    return QJsonObject{{QStringLiteral("bus"), b.bus},
+                       {QStringLiteral("address"), b.address},
+                       {QStringLiteral("vendor"), QStringLiteral("%1").arg(b.vendor, 4, 16, QLatin1Char('0'))},
+                       {QStringLiteral("product"), QStringLiteral("%1").arg(b.product, 4, 16, QLatin1Char('0'))}};
+}
+
+std::optional<CtlBoard::Found> CtlBoard::current(const QString& chosenKey)
+{
+    QList<Found> boards;
+    if (!scan(&boards))
+        return std::nullopt;
+    for (const Found& b : qAsConst(boards))
+        if (b.key == chosenKey)
+            return b;
+    if (boards.size() == 1)
+        return boards.first();
+    return std::nullopt;
+}
+
 int CtlBoard::listCommand(CtlOutput& out)
 {
     QList<Found> boards;
@@ -92,16 +113,13 @@ int CtlBoard::listCommand(CtlOutput& out)
         return out.fail(CtlExit::Board, QStringLiteral("cannot list the USB devices"));
     QJsonArray list;
     for (const Found& b : qAsConst(boards)) {
-        const QString vendor = QStringLiteral("%1").arg(b.vendor, 4, 16, QLatin1Char('0'));
-        const QString product = QStringLiteral("%1").arg(b.product, 4, 16, QLatin1Char('0'));
+        const QJsonObject board = json(b);
         out.line(QStringLiteral("Bus %1 Device %2: ID %3:%4  --board %5")
                      .arg(b.bus, 3, 10, QLatin1Char('0'))
                      .arg(b.address, 3, 10, QLatin1Char('0'))
-                     .arg(vendor, product, busAddress(b)));
-        list.append(QJsonObject{{QStringLiteral("bus"), b.bus},
-                                {QStringLiteral("address"), b.address},
-                                {QStringLiteral("vendor"), vendor},
-                                {QStringLiteral("product"), product}});
+                     .arg(board.value(QLatin1String("vendor")).toString(),
+                          board.value(QLatin1String("product")).toString(), busAddress(b)));
+        list.append(board);
     }
     out.set(QStringLiteral("devices"), list);
     return out.done();

@@ -2,8 +2,11 @@
 // its bus and device address, as lsusb shows them.
 #pragma once
 
+#include <QJsonObject>
 #include <QList>
 #include <QString>
+
+#include <optional>
 
 class CtlOutput;
 
@@ -31,6 +34,13 @@ public:
     // Why a register operation found no board, when the bus tells: none,
     // or several and none chosen. Empty otherwise.
     static QString absence(bool boardChosen);
+
+    // A board as JSON: {bus, address, vendor, product}, the ids as "2976", "0003".
+    static QJsonObject json(const Found& board);
+
+    // The board that a register operation would open: the chosen one
+    // (usb_link's key), or the only one on the bus; none otherwise.
+    static std::optional<Found> current(const QString& chosenKey);
 
     // The command "devices".
     static int listCommand(CtlOutput& out);

@@ -67,6 +67,24 @@ const QList<Command>& commands()
          "in the current folder, the file zv4280tb starts with.\n"
          "JSON: {\"file\": \"out.hex\", \"comments\": true, \"changesOnly\": false}, and \"base\" with\n"
          "      --changes-only\n"},
+        {"serve", "serve [--listen PATH]", "JSON-RPC requests on stdin, one a line, answered on stdout", 0, 0,
+         {"listen"},
+         "Serves the scripting protocol, JSON-RPC 2.0 with one message a line (UTF-8), on standard\n"
+         "input and output until the input ends, answering the requests in order. The board is\n"
+         "opened for each operation, as by the other commands. With --listen, serves instead on a\n"
+         "local socket made at PATH (mode 0600) until interrupted, to clients of this user only.\n"
+         "Methods:\n"
+         "  session.info      {} -> {\"server\", \"version\", \"board\": {bus, address, vendor, product}\n"
+         "                    or null, \"chip\"}\n"
+         "  registers.read    {first: 0, count: 291, style: \"auto\"|\"block\"|\"single\"}\n"
+         "                    -> {\"first\", \"values\": [...]}\n"
+         "  registers.write   {values: {\"12\": 95, ...}} -> {\"written\": [12], \"readBack\": {\"12\": 95}}\n"
+         "Errors: -32700 no JSON, -32600 no request (or a message over 1 MiB, which closes the\n"
+         "connection), -32601 unknown method, -32602 bad params (the message names the member),\n"
+         "-32001 no board, -32002 the board failed, -32003 a register reads back another value,\n"
+         "-32004 busy, -32005 file error. \"data\" tells what was written, if anything.\n"
+         "Example: echo '{\"jsonrpc\": \"2.0\", \"id\": 1, \"method\": \"registers.read\",\n"
+         "         \"params\": {\"first\": 12, \"count\": 2}}' | zv4280ctl serve\n"},
         {"help", "help [COMMAND]", "this help, or a command's", 0, 1, {}, ""},
     };
     return table;
@@ -94,8 +112,9 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     const QCommandLineOption changesOption(QStringLiteral("changes-only"));
     const QCommandLineOption baseOption(QStringLiteral("base"), QString(), QStringLiteral("FILE"));
     const QCommandLineOption pauseOption(QStringLiteral("pause"), QString(), QStringLiteral("MS"));
+    const QCommandLineOption listenOption(QStringLiteral("listen"), QString(), QStringLiteral("PATH"));
     parser.addOptions({jsonOption, boardOption, helpOption, styleOption, commentsOption, changesOption,
-                       baseOption, pauseOption});
+                       baseOption, pauseOption, listenOption});
     if (!parser.parse(programArguments)) {
         *error = parser.errorText();
         return false;
@@ -110,6 +129,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     changesOnly = parser.isSet(changesOption);
     base = parser.value(baseOption);
     pause = parser.value(pauseOption);
+    listen = parser.value(listenOption);
     if (arguments.isEmpty()) {
         if (help)
             return true;

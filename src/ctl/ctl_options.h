@@ -18,6 +18,7 @@ public:
     bool changesOnly = false; // save --changes-only
     QString base;           // save --base FILE
     QString pause;          // load --pause MS, as given
+    QString listen;         // serve --listen PATH
 
     // Reads the arguments of the program (the program's name first); false
     // with a message on bad usage.

@@ -8,6 +8,7 @@
 #include "field_commands.h"
 #include "file_commands.h"
 #include "register_commands.h"
+#include "serve_command.h"
 
 #include <QtGlobal>
 
@@ -81,6 +82,8 @@ int CtlProgram::run(const QStringList& programArguments)
         return fields.field(args);
     if (command == QLatin1String("load"))
         return files.load(args.at(0), options.pause);
+    if (command == QLatin1String("serve"))
+        return ServeCommand(session, out).run(options.listen);
     if (command == QLatin1String("save"))
         return files.save(args.at(0), options.comments, options.changesOnly, options.base);
     return out.fail(CtlExit::Usage, QStringLiteral("unknown command \"%1\"").arg(command));

@@ -253,6 +253,20 @@ bool usb_link::block(int count, quint8* elements, bool write)
     return true;
 }
 
+std::vector<quint8> usb_link::blockList(const std::vector<int>& addresses, const quint8* values) const
+{
+    std::vector<quint8> list;
+    list.reserve(addresses.size() * size_t(elementSize()));
+    for (size_t i = 0; i < addresses.size(); ++i) {
+        const int a = addresses[i];
+        if (addressBytes == 2)
+            list.push_back(quint8(a >> 8));
+        list.push_back(quint8(a & 0xFF));
+        list.push_back(values ? values[i] : 0);
+    }
+    return list;
+}
+
 bool usb_link::readBlock(int count, quint8* elements)
 {
     return block(count, elements, false);

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 struct libusb_device_handle;
 
 // The USB transport to the bridge board. Every register operation is a whole
@@ -93,6 +95,12 @@ public:
     bool writeBlock(int count, quint8* elements);
     bool readAuto(int start, int count, quint8* buffer);
     bool writeAuto(int start, int count, const quint8* data);
+
+    // The element list of a block operation over these registers: (address
+    // high, address low, value) each, or (address, value) with one address
+    // byte; the values are 0 when none are given. Element i's value stands
+    // at byte i * (addressBytes + 1) + addressBytes.
+    std::vector<quint8> blockList(const std::vector<int>& addresses, const quint8* values = nullptr) const;
 
 private:
     friend class UsbSession;

@@ -12,22 +12,6 @@
 
 namespace {
 
-// The list of a block operation: (address high, address low, value) per
-// register, or (address, value) with one address byte.
-std::vector<quint8> blockList(const std::vector<int>& addresses, const quint8* values, int addressBytes)
-{
-    std::vector<quint8> list;
-    list.reserve(addresses.size() * size_t(addressBytes + 1));
-    for (size_t i = 0; i < addresses.size(); ++i) {
-        const int a = addresses[i];
-        if (addressBytes == 2)
-            list.push_back(quint8(a >> 8));
-        list.push_back(quint8(a & 0xFF));
-        list.push_back(values ? values[i] : 0);
-    }
-    return list;
-}
-
 // Addresses 0 to count - 1.
 std::vector<int> allRegisters(int count)
 {
@@ -61,7 +45,7 @@ QString clerk::chipRead()
         break;
     case PanelSettings::Style::Blocks: {
         const int size = link->addressBytes + 1;
-        std::vector<quint8> list = blockList(allRegisters(count), nullptr, link->addressBytes);
+        std::vector<quint8> list = link->blockList(allRegisters(count));
         if (!link->readBlock(count, list.data()))
             return interfaceError();
         for (int i = 0; i < count; ++i)
@@ -103,7 +87,7 @@ QString clerk::chipWrite()
         if (!settings.changesOnly) {
             switch (settings.writeStyle) {
             case PanelSettings::Style::Blocks: {
-                std::vector<quint8> list = blockList(allRegisters(count), gui.data(), link->addressBytes);
+                std::vector<quint8> list = link->blockList(allRegisters(count), gui.data());
                 if (!link->writeBlock(count, list.data()))
                     return interfaceError();
                 break;
@@ -136,7 +120,7 @@ QString clerk::chipWrite()
                     values.push_back(gui[size_t(i)]);
                 }
             }
-            std::vector<quint8> list = blockList(addresses, values.data(), link->addressBytes);
+            std::vector<quint8> list = link->blockList(addresses, values.data());
             if (!link->writeBlock(int(addresses.size()), list.data()))
                 return statusOrInterfaceError();
         }

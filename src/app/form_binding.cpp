@@ -57,6 +57,8 @@ void FormBinding::showAll()
         if (QWidget* w = byName.value(d.objectName)) {
             w->setEnabled(model.ownEnabled(d.objectName));
             textChanged(d.objectName, model.text(d.objectName));
+            if (model.estimated(d.objectName))
+                estimatedChanged(d.objectName, true);
         }
     for (const CaptionEntry& c : model.catalogue().captions())
         if (QWidget* w = byName.value(c.objectName))
@@ -90,6 +92,23 @@ void FormBinding::textChanged(const QString& objectName, const QString& text)
         edit->setText(text);
     else if (auto* label = qobject_cast<QLabel*>(w))
         label->setText(text);
+}
+
+void FormBinding::estimatedChanged(const QString& objectName, bool estimated)
+{
+    QWidget* w = byName.value(objectName);
+    if (!w)
+        return;
+    QFont font = w->font();
+    font.setItalic(estimated);
+    w->setFont(font);
+    if (estimated) {
+        if (!plainToolTips.contains(objectName))
+            plainToolTips.insert(objectName, w->toolTip());
+        w->setToolTip(QStringLiteral("estimated: no measured calibration for this code"));
+    } else {
+        w->setToolTip(plainToolTips.take(objectName));
+    }
 }
 
 void FormBinding::bulbChanged(int field, Bulb bulb)

@@ -30,6 +30,8 @@ public:
     void valueChanged(int field, qint64 value) override;
     void enabledChanged(const QString& objectName, bool enabled) override;
     void textChanged(const QString& objectName, const QString& text) override;
+    // An estimate shows in italic, with a tooltip that says so.
+    void estimatedChanged(const QString& objectName, bool estimated) override;
     void bulbChanged(int field, Bulb bulb) override;
     void itemTextChanged(int field, int index, const QString& text) override;
     void minimumChanged(int field, int minimum) override;
@@ -38,4 +40,5 @@ private:
     FormModel& model;
     QHash<QString, QWidget*> byName;
     QVector<QWidget*> fieldWidgets;
+    QHash<QString, QString> plainToolTips; // of the displays that show an estimate
 };

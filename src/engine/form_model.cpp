@@ -294,18 +294,23 @@ QString FormModel::text(const QString& objectName) const
     return objects.value(objectName).text;
 }
 
-void FormModel::setText(const QString& objectName, const QString& text)
+void FormModel::setText(const QString& objectName, const QString& text, bool estimated)
 {
     const auto it = objects.find(objectName);
     if (it == objects.end() || !it->holdsText)
         return;
     if (it->field >= 0)
         fields[it->field].bulb = Bulb::Unset; // a text takes the place of a picture
-    if (it->text == text)
-        return;
-    it->text = text;
-    for (FormObserver* o : qAsConst(observers))
-        o->textChanged(objectName, text);
+    if (it->text != text) {
+        it->text = text;
+        for (FormObserver* o : qAsConst(observers))
+            o->textChanged(objectName, text);
+    }
+    if (it->estimated != estimated) {
+        it->estimated = estimated;
+        for (FormObserver* o : qAsConst(observers))
+            o->estimatedChanged(objectName, estimated);
+    }
 }
 
 QString FormModel::outputObject(const QString& key) const
@@ -313,7 +318,7 @@ QString FormModel::outputObject(const QString& key) const
     return outputs.value(key);
 }
 
-void FormModel::showOutput(const QString& key, const QString& text)
+void FormModel::showOutput(const QString& key, const QString& text, bool estimated)
 {
     const QString object = outputs.value(key);
     if (object.isEmpty())
@@ -322,7 +327,7 @@ void FormModel::showOutput(const QString& key, const QString& text)
     const int field = objects.value(object).field;
     if (field >= 0 && entry(field).kind == FieldKind::Bulb)
         return;
-    setText(object, text);
+    setText(object, text, estimated);
 }
 
 bool FormModel::rangeGuard(int field, int signalValue)

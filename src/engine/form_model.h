@@ -9,6 +9,7 @@
 #pragma once
 
 #include "catalogue.h"
+#include "values/calibration.h"
 
 #include <QHash>
 #include <QString>
@@ -33,6 +34,9 @@ public:
     virtual void enabledChanged(const QString& objectName, bool enabled) = 0;
     // The text of a display, a read-only field or a label field.
     virtual void textChanged(const QString& objectName, const QString& text) = 0;
+    // A display now shows an estimate (a calibration entry that nobody
+    // measured), or no longer does.
+    virtual void estimatedChanged(const QString& objectName, bool estimated) = 0;
     virtual void bulbChanged(int field, Bulb bulb) = 0;
     virtual void itemTextChanged(int field, int index, const QString& text) = 0;
     // A spin box's lowest value.
@@ -56,6 +60,11 @@ public:
     // A field by fieldKey ("ChA_PLL_RDiv_ZV4280v2"); -1 when none.
     int indexOf(const QString& key) const { return cat.indexOf(key); }
     const FieldEntry& entry(int field) const { return cat.fields().at(field); }
+
+    // The calibration tables the displays are shown from; a new set shows
+    // with each display's next change.
+    const Calibration& calibration() const { return tables; }
+    void setCalibration(const Calibration& calibration) { tables = calibration; }
 
     void addObserver(FormObserver* observer);
     void removeObserver(FormObserver* observer);
@@ -105,12 +114,14 @@ public:
     bool isEnabled(const QString& objectName) const;
     void setEnabled(const QString& objectName, bool enabled);
     QString text(const QString& objectName) const;
-    void setText(const QString& objectName, const QString& text);
+    // A text, and whether it shows an estimate.
+    void setText(const QString& objectName, const QString& text, bool estimated = false);
+    bool estimated(const QString& objectName) const { return objects.value(objectName).estimated; }
     // The object that shows key's value: its display, else the field itself
     // when it only shows; empty when none.
     QString outputObject(const QString& key) const;
     // Writes a display or a read-only field (those that hold text).
-    void showOutput(const QString& key, const QString& text);
+    void showOutput(const QString& key, const QString& text, bool estimated = false);
 
     // The change of a field, as the widget's signal brings it: the guard,
     // the code into guiImage, the rules. Nested changes come back here.
@@ -131,6 +142,7 @@ private:
         bool enabled = true;
         bool parentsEnabled = true;
         bool holdsText = false; // a line edit or label
+        bool estimated = false; // its text shows an estimate
         QString text;
     };
 
@@ -143,6 +155,7 @@ private:
 
     const Catalogue& cat;
     RegisterImages& regs;
+    Calibration tables;
     QVector<FieldState> fields;
     QHash<QString, ObjectState> objects;
     QHash<QString, QString> outputs; // key -> object that shows it

@@ -1,20 +1,28 @@
+// The built-in calibration tables, and measured ones read from a file.
+#include "calibration.h"
+
 #include "tables.h"
 
-// These four tables stand in for measured calibration data of the chip; the
-// values shown from them are not measurements. Known are every 64th entry of
-// the two IF gain tables, every 32nd of the channel D gain, every 16th of the
-// channel D cut-off, the ends, and where the extremes stand. The others were
-// filled as follows, rounded to each table's decimals:
-// - ifaGainDb: linear between the known entries, with an invented ripple of
-//   up to 0.2 dB laid over the flat ends (codes 1 to 249 and 770 to 1022) so
-//   that they do not rise steadily, the lowest gain 1.2 dB put at code 100,
-//   and the highest, 59.5 dB, at codes 975 and 1021;
+#include <QFile>
+#include <QHash>
+#include <QStringList>
+#include <QTextStream>
+
+#include <algorithm>
+#include <cmath>
+
+// Known for the chip are every 64th entry of the two IF gain tables with the
+// last, and the highest IF gain, 59.5 dB at codes 975 and 1021; every 32nd
+// entry of channel D's IF gain with the last, and its ends of the runs below
+// 32 and 256 (-0.87 and 33.87 dB); every 16th entry of channel D's cut-off
+// with the last. The entries between are estimates, rounded to each table's
+// decimals, and the displays shown from them are marked as such:
+// - ifaGainDb: linear between the known entries, and flat within a few
+//   tenths at both ends, where the chip's gain is flat but not steady, the
+//   lowest gain, 1.2 dB, among them;
 // - ifaGainPercent and chdLpfCutoff: linear between the known entries;
-// - chdIfaGainDb: linear within each run of 32 codes, ending each run an
-//   invented 0.45 to 0.61 dB above the next run's known start, which gives
-//   the fall at every multiple of 32.
-// Replace them by the measured tables when those are at hand: the rules only
-// index them.
+// - chdIfaGainDb: linear within each run of 32 codes, each run ending 0.45
+//   to 0.61 dB above the start of the next, as the chip's gain falls there.
 
 const std::array<double, 1024> ifaGainDb = {{
     1.7, 1.8, 1.9, 1.8, 1.7, 1.6, 1.5, 1.6, 1.7, 1.8, 1.9, 1.7, 1.6, 1.5, 1.4, 1.5, // 0
@@ -203,3 +211,108 @@ const std::array<double, 256> chdLpfCutoff = {{
     10.318, 10.335, 10.351, 10.368, 10.384, 10.401, 10.417, 10.434, 10.450, 10.467, 10.483, 10.500, 10.516, 10.533, 10.549, 10.566, // 224
     10.582, 10.596, 10.610, 10.625, 10.639, 10.653, 10.667, 10.681, 10.696, 10.710, 10.724, 10.738, 10.752, 10.767, 10.781, 10.795, // 240
 }};
+
+namespace {
+
+QVector<int> everyNth(int size, int step, QVector<int> more)
+{
+    for (int code = 0; code < size; code += step)
+        more.append(code);
+    return more << size - 1;
+}
+
+} // namespace
+
+Calibration::Calibration()
+    : ifaGainDb(::ifaGainDb.data(), 1024, everyNth(1024, 64, {975, 1021})),
+      ifaGainPercent(::ifaGainPercent.data(), 1024, everyNth(1024, 64, {})),
+      chdIfaGainDb(::chdIfaGainDb.data(), 512, everyNth(512, 32, {31, 255})),
+      chdLpfCutoff(::chdLpfCutoff.data(), 256, everyNth(256, 16, {}))
+{
+}
+
+QString Calibration::load(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return QStringLiteral("%1: cannot be read: %2").arg(path, file.errorString());
+    struct Named
+    {
+        QLatin1String name;
+        CalibrationTable* table;
+        QVector<QPair<int, double>> measured;
+    } named[] = {{QLatin1String("ifaGainDb"), &ifaGainDb, {}},
+                 {QLatin1String("ifaGainPercent"), &ifaGainPercent, {}},
+                 {QLatin1String("chdIfaGainDb"), &chdIfaGainDb, {}},
+                 {QLatin1String("chdLpfCutoff"), &chdLpfCutoff, {}}};
+    const QString tableNames = QStringLiteral("ifaGainDb, ifaGainPercent, chdIfaGainDb, chdLpfCutoff");
+
+    QStringList faults;
+    QHash<QString, int> givenOn; // "table index" -> line
+    QTextStream in(&file);
+    int line = 0;
+    auto fault = [&](const QString& what) { faults << QStringLiteral("%1:%2: %3").arg(path).arg(line).arg(what); };
+    while (!in.atEnd()) {
+        const QString text = in.readLine().trimmed();
+        if (++line == 1) {
+            if (text != QLatin1String("table,index,value")) {
+                fault(QStringLiteral("the first line must be \"table,index,value\""));
+                break;
+            }
+            continue;
+        }
+        if (text.isEmpty())
+            continue;
+        const QStringList cells = text.split(QLatin1Char(','));
+        if (cells.size() != 3) {
+            fault(QStringLiteral("\"%1\" is no table,index,value").arg(text));
+            continue;
+        }
+        const QString name = cells.at(0).trimmed();
+        Named* t = std::find_if(std::begin(named), std::end(named), [&](const Named& n) { return n.name == name; });
+        if (t == std::end(named)) {
+            fault(QStringLiteral("no table \"%1\"; the tables are %2").arg(name, tableNames));
+            continue;
+        }
+        bool ok = false;
+        const int index = cells.at(1).trimmed().toInt(&ok);
+        if (!ok || index < 0 || index >= t->table->size()) {
+            fault(QStringLiteral("index \"%1\" is out of range: %2 takes 0 to %3")
+                      .arg(cells.at(1).trimmed(), name)
+                      .arg(t->table->size() - 1));
+            continue;
+        }
+        const double value = cells.at(2).trimmed().toDouble(&ok);
+        if (!ok || !std::isfinite(value)) {
+            fault(QStringLiteral("value \"%1\" is not a number").arg(cells.at(2).trimmed()));
+            continue;
+        }
+        const QString entry = name + QLatin1Char(' ') + QString::number(index);
+        if (givenOn.contains(entry)) {
+            fault(QStringLiteral("%1 is given twice (first on line %2)").arg(entry).arg(givenOn.value(entry)));
+            continue;
+        }
+        givenOn.insert(entry, line);
+        t->measured.append({index, value});
+    }
+    if (line == 0)
+        faults << QStringLiteral("%1: empty; the first line must be \"table,index,value\"").arg(path);
+    if (!faults.isEmpty()) {
+        const int shown = 10;
+        if (faults.size() > shown)
+            faults = faults.mid(0, shown) << QStringLiteral("and %1 more faulty lines").arg(faults.size() - shown);
+        return faults.join(QLatin1Char('\n'));
+    }
+    for (const Named& n : named)
+        if (!n.measured.isEmpty())
+            n.table->measure(n.measured);
+    return QString();
+}
+
+QString Calibration::startFile(const QString& given)
+{
+    if (!given.isEmpty())
+        return given;
+    const QString beside = QStringLiteral("calibration.csv");
+    return QFile::exists(beside) ? beside : QString();
+}

@@ -101,8 +101,16 @@ struct Rules
     }
 
     // Writes a display; every key a rule shows has one.
-    void showOutput(const QString& k, const QString& text) const { model.showOutput(k, text); }
+    void showOutput(const QString& k, const QString& text, bool estimated = false) const
+    {
+        model.showOutput(k, text, estimated);
+    }
     void show(const QString& text) const { showOutput(key, text); }
+    // A calibration table's entry, marked when it is an estimate.
+    void showEntry(const QString& k, const CalibrationTable& table, quint32 code, int decimals, const QString& unit) const
+    {
+        showOutput(k, fixed(table.value(code), decimals) + unit, table.estimated(code));
+    }
 
     void enable(const QString& objectName, bool on) const
     {
@@ -214,13 +222,14 @@ struct Rules
         }
     }
 
-    // Gain text of channels A to C.
-    QString gainText(const QString& ch, quint32 code) const
+    // Gain of channels A to C.
+    void showGain(const QString& k, const QString& ch, quint32 code) const
     {
-        code = qMin<quint32>(code, quint32(ifaGainDb.size() - 1));
+        const Calibration& c = model.calibration();
         if (index(ch + QStringLiteral("_IFA_GC_MD")) == 1 && index(ch + QStringLiteral("_IFA_OT")) == 1)
-            return fixed(ifaGainPercent[code], 1) + QLatin1Char('%');
-        return fixed(ifaGainDb[code], 1) + QStringLiteral("dB");
+            showEntry(k, c.ifaGainPercent, code, 1, QStringLiteral("%"));
+        else
+            showEntry(k, c.ifaGainDb, code, 1, QStringLiteral("dB"));
     }
 
     // Threshold text of channel D.
@@ -329,7 +338,7 @@ void FieldRules::run(FormModel& model, const QString& key, quint32 fieldValue)
     for (const char* ch : kChannels)
         if (r.is(ch, "_IFA_OT") || r.is(ch, "_IFA_GC_MD"))
             for (const char* g : {"_IFA_I_Gain", "_IFA_Q_Gain"})
-                r.showOutput(stem(ch, g) + kChip, r.gainText(QLatin1String(ch), r.imageCode(stem(ch, g), 10)));
+                r.showGain(stem(ch, g) + kChip, QLatin1String(ch), r.imageCode(stem(ch, g), 10));
     if (r.is("ChD_IFA_OT") || r.is("ChD_IFA_AGC_MD"))
         for (const char* t : {"ChD_IFA_I_AGC_HL", "ChD_IFA_Q_AGC_HL", "ChD_IFA_I_AGC_LL", "ChD_IFA_Q_AGC_LL"})
             r.showOutput(QLatin1String(t) + kChip, r.thresholdText(r.imageCode(QLatin1String(t), 8)));
@@ -371,7 +380,7 @@ void FieldRules::run(FormModel& model, const QString& key, quint32 fieldValue)
     // Rows 17 to 19: gain, cut-off and phase of channels A to C.
     for (const char* ch : kChannels)
         if (r.is(ch, "_IFA_I_Gain") || r.is(ch, "_IFA_Q_Gain"))
-            r.show(r.gainText(QLatin1String(ch), fieldValue));
+            r.showGain(key, QLatin1String(ch), fieldValue);
     for (const char* ch : kChannels)
         if (r.is(ch, "_LPF_I_BW_ref") || r.is(ch, "_LPF_Q_BW_ref"))
             r.show(fixed(lpfBandwidth[qMin<quint32>(fieldValue, 127)], 1) + QStringLiteral(" MHz"));
@@ -409,7 +418,7 @@ void FieldRules::run(FormModel& model, const QString& key, quint32 fieldValue)
         if (r.is(t))
             r.show(r.thresholdText(fieldValue));
     if (r.is("ChD_IFA_I_GC") || r.is("ChD_IFA_Q_GC"))
-        r.show(fixed(chdIfaGainDb[qMin<quint32>(fieldValue, 511)], 2) + QStringLiteral("dB"));
+        r.showEntry(key, model.calibration().chdIfaGainDb, fieldValue, 2, QStringLiteral("dB"));
     if (r.is("ChD_IFA_I_GCst") || r.is("ChD_IFA_Q_GCst"))
         r.show(fixed(fieldValue, 0));
     if (r.is("ChD_IFA_AGC_MD")) {
@@ -425,7 +434,7 @@ void FieldRules::run(FormModel& model, const QString& key, quint32 fieldValue)
         r.show(fieldValue < chdLnaAgcMv.size() ? fixed(chdLnaAgcMv[fieldValue], 2) + QStringLiteral("mV")
                                                : QStringLiteral("n/a"));
     if (r.is("ChD_LPF_CF"))
-        r.show(fixed(chdLpfCutoff[qMin<quint32>(fieldValue, 255)], 1) + QStringLiteral(" MHz"));
+        r.showEntry(key, model.calibration().chdLpfCutoff, fieldValue, 1, QStringLiteral(" MHz"));
     if (r.is("ChD_MIX_AGC_High") || r.is("ChD_MIX_AGC_Low"))
         r.show(fieldValue < chdMixAgcMv.size() ? fixed(chdMixAgcMv[fieldValue], 1) + QStringLiteral("mV")
                                                : QStringLiteral("n/a"));

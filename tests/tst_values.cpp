@@ -3,6 +3,7 @@
 #include "mapshow.h"
 #include "part.h"
 #include "tables.h"
+#include "values/calibration.h"
 #include "testsupport.h"
 #include <QtTest>
 #include <QtWidgets>
@@ -265,6 +266,70 @@ private slots:
         QCOMPARE(std::count(ifaGainDb.begin(), ifaGainDb.end(), 59.5), 2l);
         QCOMPARE(ifaGainDb[975] + ifaGainDb[1021], 119.0);
         QCOMPARE(*std::min_element(ifaGainDb.begin(), ifaGainDb.end()), 1.2);
+    }
+
+    // A display shown from an estimate is italic and says so in its tooltip; a known or measured entry is not.
+    void estimatesMarked()
+    {
+        const QString tip = display("ChD_LPF_CF")->toolTip();
+        const struct { const char* set; const char* field; bool estimated; } rows[] = {
+            {"ChA_IFA_GC_MD=0;ChA_IFA_OT=0;ChA_IFA_I_Gain=975", "ChA_IFA_I_Gain", false},
+            {"ChA_IFA_I_Gain=976", "ChA_IFA_I_Gain", true}, {"ChA_IFA_GC_MD=1;ChA_IFA_OT=1", "ChA_IFA_I_Gain", true},
+            {"ChA_IFA_I_Gain=1023", "ChA_IFA_I_Gain", false}, {"ChD_IFA_Q_GC=31", "ChD_IFA_Q_GC", false},
+            {"ChD_IFA_Q_GC=30", "ChD_IFA_Q_GC", true}, {"ChD_LPF_CF=17", "ChD_LPF_CF", true},
+            {"ChD_LPF_CF=16", "ChD_LPF_CF", false}};
+        for (const auto& row : rows) {
+            set(row.set);
+            QCOMPARE(display(row.field)->font().italic(), row.estimated);
+            if (row.estimated)
+                QCOMPARE(display(row.field)->toolTip(), QStringLiteral("estimated: no measured calibration for this code"));
+        }
+        QCOMPARE(display("ChD_LPF_CF")->toolTip(), tip);
+        QTemporaryDir dir;
+        Calibration measured;
+        QVERIFY(writeFile(dir.filePath("c.csv"), "table,index,value\nchdLpfCutoff,17,3.5\n"));
+        QCOMPARE(measured.load(dir.filePath("c.csv")), QString());
+        main->model()->setCalibration(measured);
+        set("ChD_LPF_CF=17");
+        main->model()->setCalibration(Calibration());
+        QCOMPARE(shown("ChD_LPF_CF"), QStringLiteral("3.5 MHz"));
+        QVERIFY(!display("ChD_LPF_CF")->font().italic());
+    }
+
+    // A calibration file: each fault named with its line, and then nothing taken; a good file taken, the
+    // estimates beside a measured entry on a line to the next anchor, the others as they were.
+    void calibrationFile()
+    {
+        QTemporaryDir dir;
+        const QString file = dir.filePath("calibration.csv");
+        const char* const rows[][2] = {
+            {"table,index,value\nchdLpfCutoff,1,3\n\nifaGainDb, 64 ,2.5\r\n", ""},
+            {"", ": empty; the first line must be"},
+            {"table;index;value\n", ":1: the first line must be \"table,index,value\""},
+            {"table,index,value\nifaGain,1,3\n", ":2: no table \"ifaGain\"; the tables are ifaGainDb,"},
+            {"table,index,value\nchdLpfCutoff,256,3\n", ":2: index \"256\" is out of range: chdLpfCutoff takes 0 to 255"},
+            {"table,index,value\nchdLpfCutoff,-1,3\n", ":2: index \"-1\" is out of range"},
+            {"table,index,value\nchdLpfCutoff,1,3,4\n", ":2: \"chdLpfCutoff,1,3,4\" is no table,index,value"},
+            {"table,index,value\nchdLpfCutoff,1,3 MHz\n", ":2: value \"3 MHz\" is not a number"},
+            {"table,index,value\nchdLpfCutoff,1,inf\n", ":2: value \"inf\" is not a number"},
+            {"table,index,value\nchdLpfCutoff,1,3\nchdLpfCutoff,01,4\n", ":3: chdLpfCutoff 1 is given twice (first on line 2)"}};
+        for (const auto& row : rows) {
+            QVERIFY(writeFile(file, row[0]));
+            Calibration c;
+            const QString fault = c.load(file);
+            QVERIFY2(*row[1] ? fault.startsWith(file + row[1]) : fault.isEmpty(), qPrintable(row[1] + fault));
+            QCOMPARE(c.chdLpfCutoff.value(1), *row[1] ? 2.64 : 3.0);
+            QCOMPARE(c.chdLpfCutoff.estimated(1), bool(*row[1]));
+        }
+        Calibration c;
+        QVERIFY(c.load(file + "x").startsWith(file + "x: cannot be read"));
+        QVERIFY(writeFile(file, rows[0][0]));
+        QCOMPARE(c.load(file), QString());
+        QCOMPARE(c.chdLpfCutoff.value(2), 3.0 + 0.392 / 15);
+        QCOMPARE(c.chdLpfCutoff.value(20), 3.583);
+        QCOMPARE(c.ifaGainDb.value(64), 2.5);
+        QCOMPARE(c.ifaGainDb.value(96), (2.5 + 1.8) / 2);
+        QVERIFY(c.ifaGainDb.estimated(96));
     }
 
     // A mode change shows the gains anew from the image, not from the boxes.

@@ -84,6 +84,19 @@ MainClass::~MainClass()
     delete ui;
 }
 
+void MainClass::loadCalibration(const QString& given)
+{
+    const QString file = Calibration::startFile(given);
+    if (file.isEmpty() || !formModel)
+        return;
+    Calibration calibration;
+    const QString fault = calibration.load(file);
+    if (fault.isEmpty())
+        formModel->setCalibration(calibration);
+    else
+        showModal(fault + QStringLiteral("\n\nThe built-in calibration tables serve."));
+}
+
 void MainClass::showModal(const QString& text)
 {
     QMessageBox box;

@@ -67,6 +67,10 @@ public:
     // through; the widgets follow it. Null when the windows are not this
     // chip's forms (a test's own windows): edits then only reach the image.
     FormModel* model() const { return formModel.get(); }
+    // Measured calibration tables for the displays, from the file given or
+    // the start folder's "calibration.csv"; a faulty file is told of in a
+    // message box and the tables stay as they were.
+    void loadCalibration(const QString& given);
     // A widget of any window by its object name; the main window is searched
     // first.
     QWidget* findWidget(const QString& objectName) const;

@@ -134,6 +134,11 @@ void CtlField::setCode(quint32 value) const
         model->setValue(index, widgetKind == Kind::CheckBox ? (value != 0 ? 1 : 0) : qint64(value));
 }
 
+bool CtlField::estimated() const
+{
+    return model->estimated(model->entry(index).display);
+}
+
 QString CtlField::text() const
 {
     return CommentBuilder::fieldText(*model, index, record().position);

@@ -51,6 +51,8 @@ public:
     // What the screens show for the field, with its caption and unit, as a
     // saved comment says it: "R-divider ratio:  13".
     QString text() const;
+    // The field's display shows an estimate of the calibration tables.
+    bool estimated() const;
 
 private:
     FormModel* model = nullptr;

@@ -106,6 +106,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     const QCommandLineOption jsonOption(QStringLiteral("json"));
     const QCommandLineOption boardOption(QStringLiteral("board"), QString(), QStringLiteral("BUS:ADDRESS"));
+    const QCommandLineOption calibrationOption(QStringLiteral("calibration"), QString(), QStringLiteral("FILE"));
     const QCommandLineOption helpOption(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption styleOption(QStringLiteral("style"), QString(), QStringLiteral("STYLE"));
     const QCommandLineOption commentsOption(QStringLiteral("comments"));
@@ -113,7 +114,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     const QCommandLineOption baseOption(QStringLiteral("base"), QString(), QStringLiteral("FILE"));
     const QCommandLineOption pauseOption(QStringLiteral("pause"), QString(), QStringLiteral("MS"));
     const QCommandLineOption listenOption(QStringLiteral("listen"), QString(), QStringLiteral("PATH"));
-    parser.addOptions({jsonOption, boardOption, helpOption, styleOption, commentsOption, changesOption,
+    parser.addOptions({jsonOption, boardOption, calibrationOption, helpOption, styleOption, commentsOption, changesOption,
                        baseOption, pauseOption, listenOption});
     if (!parser.parse(programArguments)) {
         *error = parser.errorText();
@@ -124,6 +125,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     json = parser.isSet(jsonOption);
     help = parser.isSet(helpOption);
     board = parser.value(boardOption);
+    calibration = parser.value(calibrationOption);
     style = parser.value(styleOption);
     comments = parser.isSet(commentsOption);
     changesOnly = parser.isSet(changesOption);
@@ -157,7 +159,8 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
 
     for (const QString& name : parser.optionNames()) {
         const QString longName = name == QLatin1String("h") ? QStringLiteral("help") : name;
-        if (longName == QLatin1String("json") || longName == QLatin1String("board"))
+        if (longName == QLatin1String("json") || longName == QLatin1String("board") ||
+            longName == QLatin1String("calibration"))
             continue;
         if (!c->options.contains(longName)) {
             *error = QStringLiteral("%1 takes no option --%2 (usage: zv4280ctl %3)").arg(command, longName, QLatin1String(c->synopsis));
@@ -194,6 +197,8 @@ QString CtlOptions::programHelp()
         "                       zv4280ctl help COMMAND shows each command's members\n"
         "  --board BUS:ADDRESS  the board at this bus and device address, decimal as lsusb shows\n"
         "                       them (zv4280ctl devices); by default the only board on the bus\n"
+        "  --calibration FILE   measured calibration tables, lines \"table,index,value\" after that\n"
+        "                       header; by default calibration.csv in the current folder, if any\n"
         "  -h, --help           this help; zv4280ctl COMMAND --help for a command\n"
         "\n"
         "Registers are 0 to 290. Numbers are decimal, or hexadecimal behind 0x.\n"

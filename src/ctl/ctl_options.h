@@ -12,6 +12,7 @@ public:
     QStringList arguments;  // the command's arguments
     bool json = false;      // --json
     QString board;          // --board BUS:ADDRESS, as given
+    QString calibration;    // --calibration FILE
     bool help = false;      // --help, or the command "help"
     QString style;          // dump --style single|block|auto
     bool comments = false;  // save --comments

@@ -52,12 +52,22 @@ int CtlProgram::run(const QStringList& programArguments)
         return int(CtlExit::Done);
     }
 
+    // A faulty calibration file is told of, and the built-in tables serve.
+    Calibration calibration;
+    const QString calibrationFile = Calibration::startFile(options.calibration);
+    const QString calibrationFault = calibrationFile.isEmpty() ? QString() : calibration.load(calibrationFile);
+    if (!calibrationFault.isEmpty())
+        for (const QString& line : (calibrationFault + QStringLiteral("\nthe built-in calibration tables serve"))
+                                       .split(QLatin1Char('\n')))
+            CtlOutput::printError(QStringLiteral("zv4280ctl: ") + line + QLatin1Char('\n'));
+
     const QString& command = options.command;
     const QStringList& args = options.arguments;
     if (command == QLatin1String("devices"))
         return CtlBoard::listCommand(out);
     if (command == QLatin1String("fields")) { // the forms alone, no board
         CtlSession session{QString()};
+        session.calibration = calibration;
         return FieldCommands(session, out).list(args);
     }
 
@@ -69,6 +79,7 @@ int CtlProgram::run(const QStringList& programArguments)
             return out.fail(usage ? CtlExit::Usage : CtlExit::Board, error);
     }
     CtlSession session(key);
+    session.calibration = calibration;
     RegisterCommands registers(session, out);
     FieldCommands fields(session, out);
     FileCommands files(session, out);

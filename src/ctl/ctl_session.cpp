@@ -30,8 +30,10 @@ RegisterImages& CtlSession::images()
 
 FormModel& CtlSession::model()
 {
-    if (!forms)
+    if (!forms) {
         forms = std::make_unique<FormModel>(images());
+        forms->setCalibration(calibration);
+    }
     return *forms;
 }
 

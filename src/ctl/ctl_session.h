@@ -6,6 +6,7 @@
 
 #include "clerk.h"
 #include "usb_link.h"
+#include "values/calibration.h"
 
 #include <QString>
 
@@ -26,6 +27,10 @@ public:
     FormModel& model();
     usb_link& link() { return usb; }
     bool boardChosen() const { return !key.isEmpty(); }
+
+    // The tables the forms show their displays from; set before the forms
+    // are first used.
+    Calibration calibration;
 
     // What the worker's commands run with; it starts as the service panel
     // does.

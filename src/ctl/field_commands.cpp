@@ -138,6 +138,8 @@ void FieldCommands::report(const QList<CtlField>& fields, const QList<quint32>& 
                           {QStringLiteral("code"), qint64(f.code())},
                           {QStringLiteral("text"), text},
                           {QStringLiteral("location"), buildToolTip(f.record())}};
+        if (f.estimated())
+            entry.insert(QStringLiteral("estimated"), true);
         if (i < asked.size())
             entry.insert(QStringLiteral("asked"), qint64(asked.at(i)));
         list.append(entry);

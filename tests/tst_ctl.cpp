@@ -249,6 +249,27 @@ private slots:
                               {"location", "Reg22 <D3-D0>,Reg23 <D7-D0>"}}));
     }
 
+    // An estimated display says so in JSON; a measured calibration file takes its place, and a faulty one
+    // is told of on stderr while the built-in tables serve.
+    void calibration()
+    {
+        bus->chip(board).setReg(92, 17); // ChD_LPF_CF
+        write(path("good.csv"), "table,index,value\nchdLpfCutoff,17,3.5\n");
+        write(path("bad.csv"), "table,index,value\nchdLpfCutoff,17,x\n");
+        const struct { QStringList options; const char* text; const char* err; } rows[] = {
+            {{}, "3.4 MHz", ""}, {{"--calibration", path("good.csv")}, "3.5 MHz", ""},
+            {{"--calibration", path("bad.csv")}, "3.4 MHz", "bad.csv:2: value \"x\" is not a number"}};
+        for (const auto& row : rows) {
+            const Run r = ctl(row.options + QStringList{"field", "ChD_LPF_CF"}, true);
+            const QJsonObject f = r.json().value("fields").toArray().at(0).toObject();
+            QVERIFY2(f.value("text").toString().contains(row.text), qPrintable(f.value("text").toString()));
+            QCOMPARE(f.value("estimated").toVariant(), row.text == QLatin1String("3.4 MHz") ? QVariant(true) : QVariant());
+            QCOMPARE(r.exit, 0);
+            QCOMPARE(r.err.isEmpty(), !*row.err);
+            QVERIFY(r.err.contains(row.err));
+        }
+    }
+
     // A change writes exactly the registers of the fields asked, changes
     // only their bits, and reads the chip back.
     void writeFields_data()

@@ -321,6 +321,13 @@ private slots:
             QCOMPARE(c.chdLpfCutoff.value(1), *row[1] ? 2.64 : 3.0);
             QCOMPARE(c.chdLpfCutoff.estimated(1), bool(*row[1]));
         }
+        const Calibration b; // built in: the known entries are no estimates, all others are
+        const struct { const CalibrationTable& table; int step; QVector<int> more; } known[] = {
+            {b.ifaGainDb, 64, {975, 1021, 1023}}, {b.ifaGainPercent, 64, {1023}}, {b.chdIfaGainDb, 32, {31, 255, 511}},
+            {b.chdLpfCutoff, 16, {255}}};
+        for (const auto& k : known)
+            for (int code = 0; code < k.table.size(); ++code)
+                QCOMPARE(k.table.estimated(code), code % k.step != 0 && !k.more.contains(code));
         Calibration c;
         QVERIFY(c.load(file + "x").startsWith(file + "x: cannot be read"));
         QVERIFY(writeFile(file, rows[0][0]));

@@ -31,7 +31,7 @@ SLOWDOWN = float(os.environ.get("ZV_E2E_SLOWDOWN", "1"))
 
 
 def wait_for(what, condition, timeout=15.0, step=0.05):
-    """Polls condition() until it gives a true value, which is returned."""
+    # Polls condition() until it gives a true value, which is returned.
     timeout *= SLOWDOWN
     end = time.monotonic() + timeout
     last_error = None
@@ -54,7 +54,7 @@ def check(condition, message):
 
 
 def read_hex(path):
-    """Register number -> value of a .hex file; comment lines are skipped."""
+    # Register number -> value of a .hex file; comment lines are skipped.
     values = {}
     with open(path, encoding="utf-8", errors="replace") as f:
         for line in f:
@@ -65,8 +65,8 @@ def read_hex(path):
 
 
 def stop(proc, timeout=10):
-    """Ends a process started in a session of its own, with all that it
-    started in that session."""
+    # Ends a process started in a session of its own, with all that it
+    # started in that session.
     for sig in (signal.SIGTERM, signal.SIGKILL):
         if proc.poll() is not None:
             return
@@ -78,11 +78,11 @@ def stop(proc, timeout=10):
 
 
 class Desk:
-    """One virtual screen with a session bus and an accessibility bus.
-
-    The program's windows are found by title with xdotool, their widgets over
-    AT-SPI; input goes through the X server's test extension as a person's
-    keys and clicks would."""
+    # One virtual screen with a session bus and an accessibility bus.
+    #
+    # The program's windows are found by title with xdotool, their widgets over
+    # AT-SPI; input goes through the X server's test extension as a person's
+    # keys and clicks would.
 
     def __init__(self):
         self.tmp = tempfile.mkdtemp(prefix="zv-e2e-")
@@ -162,7 +162,7 @@ class Desk:
     # -- windows and input ---------------------------------------------------
 
     def windows(self, title):
-        """X window ids of the visible windows whose title matches (a regex)."""
+        # X window ids of the visible windows whose title matches (a regex).
         out = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], env=self.env,
                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
         return out.split()
@@ -185,8 +185,8 @@ class Desk:
         self.run(["xdotool", "mousemove", str(x), str(y), "click", str(button)])
 
     def close_window(self, wid):
-        """Asks a window to close, as a window manager's close button does
-        (WM_DELETE_WINDOW); there is no window manager on this screen."""
+        # Asks a window to close, as a window manager's close button does
+        # (WM_DELETE_WINDOW); there is no window manager on this screen.
         x11 = ctypes.cdll.LoadLibrary("libX11.so.6")
         x11.XOpenDisplay.restype = ctypes.c_void_p
         x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
@@ -228,7 +228,7 @@ class Desk:
         return wait_for(f"the application {name} on the accessibility bus", find, timeout)
 
     def top(self, app, title, timeout=15.0):
-        """The accessible of a top-level window of app by its title."""
+        # The accessible of a top-level window of app by its title.
         def find():
             for i in range(app.childCount):
                 w = app.getChildAtIndex(i)
@@ -260,7 +260,7 @@ class Desk:
         return found
 
     def find(self, root, what, match, timeout=10.0):
-        """The one showing widget under root that match() accepts."""
+        # The one showing widget under root that match() accepts.
         def one():
             hits = [a for a in self.find_all(root, match) if self.showing(a)]
             if len(hits) > 1:
@@ -269,7 +269,7 @@ class Desk:
         return wait_for(what, one, timeout)
 
     def field(self, root, role, tooltip):
-        """A field's widget by its kind and its tooltip (the register location)."""
+        # A field's widget by its kind and its tooltip (the register location).
         return self.find(root, f'the {role} of "{tooltip}"',
                          lambda a: a.getRoleName() == role and a.description == tooltip)
 
@@ -292,29 +292,18 @@ class Desk:
         self.click(box.x + box.width // 2, box.y + box.height // 2)
 
     def colour(self, acc, left=0.0, right=1.0):
-        """The mean colour of a widget as it stands on the screen, over the
-        share of its width from left to right."""
+        # The mean colour of a widget as it stands on the screen, over the
+        # share of its width from left to right.
         box = acc.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
-        ppm = subprocess.run(["import", "-window", "root", "-depth", "8", "ppm:-"], env=self.env,
-                             stdout=subprocess.PIPE, check=True).stdout
-        # P6 header: magic, width, height, maximum, then the RGB bytes.
-        fields = re.match(rb"P6\s+(\d+)\s+(\d+)\s+(\d+)\s", ppm)
-        width = int(fields.group(1))
-        pixels = ppm[fields.end():]
         x0, x1 = box.x + int(box.width * left), box.x + max(int(box.width * right), 1)
-        total = [0, 0, 0]
-        count = 0
-        for y in range(box.y, box.y + box.height):
-            for x in range(x0, x1):
-                at = 3 * (y * width + x)
-                for c in range(3):
-                    total[c] += pixels[at + c]
-                count += 1
-        return tuple(t // max(count, 1) for t in total)
+        ppm = subprocess.run(["import", "-window", "root", "-crop", f"{x1 - x0}x{box.height}+{x0}+{box.y}", "-depth", "8",
+                              "ppm:-"], env=self.env, stdout=subprocess.PIPE, check=True).stdout
+        pixels = re.match(rb"P6\s+\d+\s+\d+\s+\d+\s(.*)", ppm, re.S).group(1)  # header, then the RGB bytes
+        return tuple(sum(pixels[c::3]) // max(len(pixels) // 3, 1) for c in range(3))
 
 
 def colour_name(rgb):
-    """A colour as a person would call it, with a wide tolerance."""
+    # A colour as a person would call it, with a wide tolerance.
     r, g, b = rgb
     if r > 230 and g > 230 and b > 230:
         return "white"
@@ -330,11 +319,11 @@ def colour_name(rgb):
 
 
 class Program:
-    """The program on a simulated board, started by the launcher in a working
-    folder with the launcher's control pipe beside it."""
+    # The program on a simulated board, started by the launcher in a working
+    # folder with the launcher's control pipe beside it.
 
     def __init__(self, desk, command, workdir):
-        """command: the launcher and what it starts."""
+        # command: the launcher and what it starts.
         self.desk = desk
         self.workdir = workdir
         self.log = os.path.join(desk.tmp, "output.log")
@@ -355,18 +344,18 @@ class Program:
     # -- the simulated board -------------------------------------------------
 
     def board(self, command, answer):
-        """Sends a command to the launcher and waits for its answer."""
+        # Sends a command to the launcher and waits for its answer.
         seen = self.output().count("zvsim-launch: " + answer)
         with open(self.control, "w") as pipe:
             pipe.write(command + "\n")
         wait_for(f'the launcher to answer "{answer}"', lambda: self.output().count("zvsim-launch: " + answer) > seen)
 
     def set_register(self, reg, value):
-        """Sets a register of the simulated chip."""
+        # Sets a register of the simulated chip.
         self.board(f"set {reg} {value:02x}", f"register {reg} set")
 
     def chip(self):
-        """The registers the simulated chip holds now."""
+        # The registers the simulated chip holds now.
         path = os.path.join(self.desk.tmp, "chip.hex")
         if os.path.exists(path):
             os.remove(path)
@@ -380,44 +369,44 @@ class Program:
             return f.read()
 
     def check_quiet(self):
-        """Nothing on stdout and stderr but the launcher's answers: no Qt
-        warning ("QObject::connect: ...", "QWidget::...") among them."""
+        # Nothing on stdout and stderr but the launcher's answers: no Qt
+        # warning ("QObject::connect: ...", "QWidget::...") among them.
         lines = [line for line in self.output().splitlines() if line.strip() and not LAUNCHER_LINE.match(line)]
         check(not lines, "the program wrote on its output:\n  " + "\n  ".join(lines[:20]))
 
     def operations(self):
-        """(started, ended): the operations the program counts, as its main
-        window tells accessibility tools. One ends once its end message has
-        been dealt with, a failure's box closed."""
+        # (started, ended): the operations the program counts, as its main
+        # window tells accessibility tools. One ends once its end message has
+        # been dealt with, a failure's box closed.
         m = re.fullmatch(r"operations: (\d+) started, (\d+) ended", self.frame.description)
         check(m, f"the main window tells no count of operations: {self.frame.description!r}")
         return int(m.group(1)), int(m.group(2))
 
     def idle(self, timeout=30.0):
-        """Waits until every operation started has ended."""
+        # Waits until every operation started has ended.
         wait_for("the end of the running operation", lambda: len(set(self.operations())) == 1, timeout)
 
     @contextlib.contextmanager
     def operation(self, timeout=30.0):
-        """Around the steps that start one operation (a key, a file dialog
-        answered, a failure's box closed): waits for its end, with no other
-        one running."""
+        # Around the steps that start one operation (a key, a file dialog
+        # answered, a failure's box closed): waits for its end, with no other
+        # one running.
         ended = self.operations()[1]
         yield
         wait_for("the end of the operation", lambda: (lambda s, e: e > ended and s == e)(*self.operations()), timeout)
 
     def windows(self):
-        """The accessibles of the program's showing top-level windows."""
+        # The accessibles of the program's showing top-level windows.
         return [w for w in (self.app.getChildAtIndex(i) for i in range(self.app.childCount))
                 if w is not None and self.desk.showing(w)]
 
     def boxes(self):
-        """The texts of the message boxes on screen."""
+        # The texts of the message boxes on screen.
         return [label.name for w in self.windows() if w.getRoleName() in ("alert", "dialog")
                 for label in self.desk.find_all(w, lambda a: a.getRoleName() == "label" and a.name)[:1]]
 
     def close_message(self, expected):
-        """Waits for the message box, checks its text and closes it with Enter."""
+        # Waits for the message box, checks its text and closes it with Enter.
         text = wait_for("a message box", self.boxes)[0]
         check(text == expected, f"the message reads {text!r}, not {expected!r}")
         self.desk.key("Return")

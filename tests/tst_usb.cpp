@@ -1,11 +1,6 @@
 #include "boardsupport.h"
 #include "usb_link.h"
 
-#include <QtTest>
-
-#include <memory>
-#include <vector>
-
 // What the test board holds in register r; 0 beyond the chip's registers.
 static quint8 pattern(int r) { return r < 291 ? quint8(r * 7 + 1) : 0; }
 // Registers the chip fills itself: identity, temperature, channel B's lock bit.
@@ -48,13 +43,12 @@ class tst_usb : public QObject
 
 private slots:
     void initTestCase() { if (!zvsim::Testbed::available()) QSKIP("needs umockdev-wrapper"); }
-    void init() { bus.reset(new zvsim::Testbed); link.reset(new usb_link); }
+    void init() { bus.reset(new zvsim::Testbed), link.reset(new usb_link); }
     // Every test, passing or failing, lets go of each board as often as it took it.
     void cleanup()
     {
         const QString unreleased = bus->unreleased();
-        link.reset();
-        bus.reset();
+        link.reset(), bus.reset();
         QCOMPARE(unreleased, QString());
     }
 
@@ -101,8 +95,7 @@ private slots:
         QVERIFY(run(op, first, count));
         const QList<QByteArray> out = sentFrames(*bus);
         QVector<int> lengths;
-        for (const QByteArray& f : out)
-            lengths << f.size();
+        std::transform(out.begin(), out.end(), std::back_inserter(lengths), [](const QByteArray& f) { return f.size(); });
         QTEST(lengths, "lengths");
         QCOMPARE(out.value(0).left(head.size()), head);
         QCOMPARE(out.value(out.size() - 1).left(tail.size()), tail);

@@ -1,19 +1,12 @@
-#include "MainClass.h"
-#include "comment_builder.h"
 #include "gui_save.h"
 #include "hex_format.h"
 #include "hex_reader.h"
 #include "hex_writer.h"
-#include "mapshow.h"
-#include "part.h"
 #include "save_filter.h"
 #include "testsupport.h"
-#include <QtTest>
-#include <QtWidgets>
-#include <random>
 
-// Hex settings files: saves from the real forms, the comment rules on a small form of their own,
-// what the load commands read from good and bad files, and saves that fail or append.
+// Hex settings files: saves from the real forms (the comments of every field on them are pinned by
+// tst_defaults, which compares the shipped default.hex), what the load commands read from good and bad files, and saves that fail or append.
 class tst_hexfile : public QObject
 {
     Q_OBJECT
@@ -113,72 +106,6 @@ private slots:
         for (const char* line : {"\nReg0\t", "\nReg1\t", "\nReg2\t", "\nReg80\t", "\nReg81\t"})
             QVERIFY(full.contains(line) && !noStatus.contains(line));
         QCOMPARE(save({{"HexComment", 0}, {"ServiceBits", 0}}), full);
-    }
-
-    // The comment rules, on a small form: label lookup, separators, the several kinds of widget.
-    void commentRules()
-    {
-        QWidget form, expert;
-        expert.setObjectName("GrSChA");
-        mapshow small("ZV4280v2", 108);
-        auto add = [&](QWidget* w, const QString& name, QWidget* parent) {
-            w->setParent(parent);
-            w->setObjectName(name);
-            if (part* p = mapshow::ParseObjName(name)) {
-                p->widget = w;
-                small.parts.insert(p->name, p);
-            }
-            return w;
-        };
-        auto label = [&](const QString& name, const QString& text) { add(new QLabel(text), name, &form); };
-        static_cast<QLineEdit*>(add(new QLineEdit("7"), "ZV_Alpha_ZV4280v2_20_4", &form))->setReadOnly(true);
-        label("AlphaLabelG", "Al\npha");
-        static_cast<QSpinBox*>(add(new QSpinBox, "ZV_Big_ZV4280v2_12_8", &form))->setValue(5);
-        label("BigLabelG", "Big");
-        label("BigLabelG2", "Big, last"); // the last match wins
-        add(new QLabel, "ZV_Bulb_ZV4280v2_24_1", &form);
-        label("BulbLabelG", "Bulb\nstate");
-        static_cast<QCheckBox*>(add(new QCheckBox("Execute"), "ZV_Exe_ZV4280v2_7_1", &form))->setChecked(true);
-        add(new QSpinBox, "ZV_Gain_ZV4280v2_28_4", &form);
-        label("GainLabelG", "Gain");
-        add(new QLineEdit("1.5\ndB"), "Gain_ZV4280v2_Expression", &form);
-        static_cast<QLineEdit*>(add(new QLineEdit("26"), "ZV_Id_ZV4280v2_56_8", &form))->setReadOnly(true);
-        label("IdLabelG", "ID");
-        auto* mode = static_cast<QComboBox*>(add(new QComboBox, "ZV_Mode_ZV4280v2_6_1", &form)); // no label
-        mode->addItems({"single", "continuous"});
-        mode->setCurrentIndex(1);
-        add(new QSpinBox, "ZV_Phase_ZV4280v2_826_6", &form);
-        label("PhaseLabelG", "FM");
-        add(new QLineEdit("90.00°"), "Phase_ZV4280v2_Expression", &form);
-        add(new QSpinBox, "ZV_Quiet_ZV4280v2_842_6", &form);
-        add(new QCheckBox("Split"), "ZV_Split_ZV4280v2_32p48_1p1", &form);
-        add(new QCheckBox("Service"), "ZV_Svc_ZV4280v2_64_8", &expert);
-        small.guiImage[3] = 0x80; // the bulb's bit
-
-        QStringList expected = QVector<QString>(108).toList();
-        expected[0] = "Execute: enabled\n\t   //: continuous";
-        expected[1] = "Big, last:  5";
-        expected[2] = "Al pha: 7Big, last:  5"; // no separator: the test looks at register 1, the field's first
-        expected[3] = "Bulb\nstate: 1\n\t   //Gain: 1.5 dB ";
-        expected[4] = expected[6] = "Split: disabled";
-        expected[7] = "ID: 26";
-        expected[8] = "Service: disabled";
-        expected[103] = "IQ phase correction FM: 90.00° ";
-        expected[105] = "IQ phase correction ";
-        QCOMPARE(CommentBuilder::build(small, false), expected);
-        small.guiImage[0] ^= 0x01; // ic and gui differ in the check box's bit only
-        std::copy_n(small.guiImage, 108, small.icImage);
-        small.guiImage[0] ^= 0x01;
-        QStringList changed = QVector<QString>(108).toList();
-        changed[0] = "Execute: enabled";
-        QCOMPARE(CommentBuilder::build(small, true), changed);
-
-        // Register 5 holds no field and stays in any save.
-        QCOMPARE(SaveFilter::leftOut(small, false, true).indexOf(true), 7);
-        QCOMPARE(SaveFilter::leftOut(small, false, true).count(true), 1);
-        QCOMPARE(SaveFilter::leftOut(small, true, false).indexOf(true), 8);
-        QCOMPARE(SaveFilter::leftOut(small, false, false).count(true), 2);
-        qDeleteAll(small.parts);
     }
 
     void reader_data()

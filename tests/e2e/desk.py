@@ -55,13 +55,9 @@ def check(condition, message):
 
 def read_hex(path):
     # Register number -> value of a .hex file; comment lines are skipped.
-    values = {}
     with open(path, encoding="utf-8", errors="replace") as f:
-        for line in f:
-            m = re.match(r"\s*Reg(\d+)\s+([0-9A-Fa-f]+)", line)
-            if m:
-                values[int(m.group(1))] = int(m.group(2), 16) & 0xFF
-    return values
+        found = [re.match(r"\s*Reg(\d+)\s+([0-9A-Fa-f]+)", line) for line in f]
+    return {int(m.group(1)): int(m.group(2), 16) & 0xFF for m in found if m}
 
 
 def stop(proc, timeout=10):
@@ -121,16 +117,8 @@ class Desk:
         self.procs.append(xvfb)
         # The server writes the number and then a newline; the pipe stays
         # open until both have come, else the server dies on the second write.
-        number = b""
-        end = time.monotonic() + 20
-        while not number.endswith(b"\n") and time.monotonic() < end:
-            if select.select([read_end], [], [], 1)[0]:
-                chunk = os.read(read_end, 32)
-                if not chunk:
-                    break
-                number += chunk
-        os.close(read_end)
-        number = number.decode().strip()
+        with os.fdopen(read_end, "rb") as pipe:
+            number = pipe.readline().decode().strip() if select.select([pipe], [], [], 20)[0] else ""
         check(number.isdigit(), "Xvfb did not start")
         self.env["DISPLAY"] = ":" + number
 
@@ -187,14 +175,12 @@ class Desk:
     def close_window(self, wid):
         # Asks a window to close, as a window manager's close button does
         # (WM_DELETE_WINDOW); there is no window manager on this screen.
-        x11 = ctypes.cdll.LoadLibrary("libX11.so.6")
-        x11.XOpenDisplay.restype = ctypes.c_void_p
-        x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
-        x11.XInternAtom.restype = ctypes.c_ulong
-        x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
-        x11.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.c_void_p]
-        x11.XFlush.argtypes = [ctypes.c_void_p]
-        x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+        x11, c = ctypes.cdll.LoadLibrary("libX11.so.6"), ctypes
+        for name, result, args in (("XOpenDisplay", c.c_void_p, [c.c_char_p]), ("XFlush", c.c_int, [c.c_void_p]),
+                                   ("XInternAtom", c.c_ulong, [c.c_void_p, c.c_char_p, c.c_int]),
+                                   ("XSendEvent", c.c_int, [c.c_void_p, c.c_ulong, c.c_int, c.c_long, c.c_void_p]),
+                                   ("XCloseDisplay", c.c_int, [c.c_void_p])):
+            getattr(x11, name).restype, getattr(x11, name).argtypes = result, args
 
         class ClientMessage(ctypes.Structure):
             _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
@@ -217,46 +203,34 @@ class Desk:
 
     # -- widgets over AT-SPI -------------------------------------------------
 
+    @staticmethod
+    def children(acc):
+        return [c for c in (acc.getChildAtIndex(i) for i in range(acc.childCount)) if c is not None]
+
     def app(self, name, timeout=15.0):
-        def find():
-            desktop = self.atspi.Registry.getDesktop(0)
-            for i in range(desktop.childCount):
-                a = desktop.getChildAtIndex(i)
-                if a is not None and a.name == name:
-                    return a
-            return None
-        return wait_for(f"the application {name} on the accessibility bus", find, timeout)
+        return wait_for(f"the application {name} on the accessibility bus", lambda: next(
+            (a for a in self.children(self.atspi.Registry.getDesktop(0)) if a.name == name), None), timeout)
 
     def top(self, app, title, timeout=15.0):
         # The accessible of a top-level window of app by its title.
-        def find():
-            for i in range(app.childCount):
-                w = app.getChildAtIndex(i)
-                if w is not None and w.name == title and self.showing(w):
-                    return w
-            return None
-        return wait_for(f'the window "{title}" over AT-SPI', find, timeout)
+        return wait_for(f'the window "{title}" over AT-SPI', lambda: next(
+            (w for w in self.children(app) if w.name == title and self.showing(w)), None), timeout)
 
     def showing(self, acc):
         return acc.getState().contains(self.atspi.STATE_SHOWING)
 
-    def find_all(self, root, match, showing_only=True):
-        found = []
-        stack = [root]
+    def find_all(self, root, match):
+        # Widgets under root, in order, that match() accepts; none is looked
+        # for under a widget not showing, nor in tables and lists, which hold
+        # one accessible a cell or an item (read them through their own
+        # interfaces instead).
+        found, stack = [], [root]
         while stack:
             acc = stack.pop()
-            if acc is None:
-                continue
             if match(acc):
                 found.append(acc)
-            if showing_only and acc is not root and not self.showing(acc):
-                continue
-            # Tables and lists hold one accessible a cell or an item: read
-            # them through their own interfaces instead.
-            if acc is not root and acc.getRoleName() in ("table", "list", "tree table"):
-                continue
-            for i in range(acc.childCount - 1, -1, -1):
-                stack.append(acc.getChildAtIndex(i))
+            if acc is root or (self.showing(acc) and acc.getRoleName() not in ("table", "list", "tree table")):
+                stack.extend(reversed(self.children(acc)))
         return found
 
     def find(self, root, what, match, timeout=10.0):
@@ -397,8 +371,7 @@ class Program:
 
     def windows(self):
         # The accessibles of the program's showing top-level windows.
-        return [w for w in (self.app.getChildAtIndex(i) for i in range(self.app.childCount))
-                if w is not None and self.desk.showing(w)]
+        return [w for w in self.desk.children(self.app) if self.desk.showing(w)]
 
     def boxes(self):
         # The texts of the message boxes on screen.

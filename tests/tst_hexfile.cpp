@@ -6,7 +6,8 @@
 #include "testsupport.h"
 
 // Hex settings files: saves from the real forms (the comments of every field on them are pinned by
-// tst_defaults, which compares the shipped default.hex), what the load commands read from good and bad files, and saves that fail or append.
+// tst_defaults, which compares the shipped default.hex), what the load commands read from good and
+// bad files, and saves that fail or append.
 class tst_hexfile : public QObject
 {
     Q_OBJECT

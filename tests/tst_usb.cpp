@@ -132,21 +132,6 @@ private slots:
             QCOMPARE(bus->chip(0).reg(own[k]), k == 2 ? quint8(0x74 | (held[2] & 3)) : held[k]);
     }
 
-    // Serial interfaces have no register protocol: every operation is refused
-    // without touching the bus, blocks element by element.
-    void interfaceKinds()
-    {
-        bus->addBoard();
-        for (int kind : {1, 3}) {
-            link->interfaceKind = kind;
-            for (const char* op : {"read", "write", "readBlock", "writeBlock", "readAuto", "writeAuto"}) {
-                QVERIFY2(run(op, 7, 2) == (kind == 3 && QByteArray(op).endsWith("Block")), op);
-                QVERIFY2(buf == before, op);
-            }
-        }
-        QCOMPARE(bus->opens(0), 0);
-    }
-
     void deviceChoice_data()
     {
         QTest::addColumn<QList<int>>("vendors"); // one board per entry

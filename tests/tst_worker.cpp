@@ -174,17 +174,6 @@ private slots:
         QCOMPARE(bus->chip(board).reg(12), done && command == 8 ? 0x77 : 0x5A);
     }
 
-    void endWithoutMaps()
-    {
-        clerk worker(1, QString(), main->service, {});
-        QCOMPARE(runToEnd(&worker), QStringList({"Regmap not defined"}));
-        QVERIFY(bus->wireLog().isEmpty());
-        for (int command : {0, 9}) {
-            clerk odd(command, QString(), main->service, main->maps);
-            QCOMPARE(runToEnd(&odd), QStringList({"Unexpected error"}));
-        }
-    }
-
     void changesOnlyWrite()
     {
         fillChip();

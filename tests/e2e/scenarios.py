@@ -324,24 +324,14 @@ def installed(args):
         bench.check_shown({CHIP_ID: "4280", C_DIVIDER: "5"})
 
 
-SCENARIOS = {
-    "installed": installed,
-    "windows": windows,
-    "startup": startup,
-    "read": read,
-    "files": files,
-    "unplug": unplug,
-    "panel": panel,
-    "map": map_window,
-}
+SCENARIOS = dict({f.__name__: f for f in (installed, windows, startup, read, files, unplug, panel)}, map=map_window)
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("scenario", choices=sorted(SCENARIOS))
-    parser.add_argument("--launcher", required=True)
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--defaults", required=True)
+    for name in ("--launcher", "--program", "--defaults"):
+        parser.add_argument(name, required=True)
     parser.add_argument("--build", help="the build folder, for the scenario of the install")
     args = parser.parse_args()
     for name in ("launcher", "program", "defaults", "build"):

@@ -1,11 +1,4 @@
-#include "mapshow.h"
-#include "part.h"
 #include "testsupport.h"
-#include <QtTest>
-#include <QtWidgets>
-#include <memory>
-#include <tuple>
-#include <vector>
 
 // Widgets bound to their fields on a small form of their own. A spin box
 // above its field is cut to it through the real forms in tst_scan.

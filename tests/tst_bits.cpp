@@ -1,16 +1,11 @@
-#include "mapshow.h"
 #include "testsupport.h"
-
-#include <QtTest>
-
-#include <memory>
 
 // Bit numbering, runs of bits and the comparison of guiImage with icImage on an image of the real size.
 class tst_bits : public QObject
 {
     Q_OBJECT
     std::unique_ptr<mapshow> map;
-    QByteArray gui() const { return QByteArray(reinterpret_cast<const char*>(map->guiImage), int(map->registerCount)); }
+    QByteArray gui() const { return imageBytes(map->guiImage); }
 
 private slots:
     void initTestCase() { zvTestInit(); }

@@ -1,11 +1,6 @@
-#include "MainClass.h"
 #include "gui_save.h"
 #include "hex_writer.h"
-#include "mapshow.h"
-#include "part.h"
 #include "testsupport.h"
-#include <QtTest>
-#include <QtWidgets>
 
 // The shipped "default.hex" is the GUI's start state as the tool itself saves
 // it, with comments: the form's own settings of every widget, with the

@@ -1,9 +1,5 @@
-#include "mapshow.h"
-#include "part.h"
+#include "testsupport.h"
 
-#include <QtTest>
-
-#include <memory>
 #include <numeric>
 
 using Nums = QVector<quint32>;

@@ -1,21 +1,14 @@
-#include "MainClass.h"
 #include "engine/form_model.h"
-#include "engine/register_images.h"
-#include "comment_builder.h"
 #include "gui_save.h"
 #include "hex_format.h"
 #include "hex_reader.h"
 #include "hex_writer.h"
-#include "mapshow.h"
-#include "part.h"
 #include "save_filter.h"
 #include "testsupport.h"
-#include <QtTest>
-#include <QtWidgets>
-#include <random>
 
-// Hex settings files: saves from the real forms, the comment rules on a small form of their own,
-// what the load commands read from good and bad files, and saves that fail or append.
+// Hex settings files: saves from the real forms (the comments of every field on them are pinned by
+// tst_defaults, which compares the shipped default.hex), what the load commands read from good and
+// bad files, and saves that fail or append.
 class tst_hexfile : public QObject
 {
     Q_OBJECT
@@ -126,20 +119,6 @@ private slots:
         for (const char* line : {"\nReg0\t", "\nReg1\t", "\nReg2\t", "\nReg80\t", "\nReg81\t"})
             QVERIFY(full.contains(line) && !noStatus.contains(line));
         QCOMPARE(save({{"HexComment", 0}, {"ServiceBits", 0}}), full);
-    }
-
-    // With changes only, the comments name the fields whose bits differ
-    // from what the chip gave, and no other; the forms' model alone makes them.
-    void commentRules()
-    {
-        RegisterImages images("ZV4280v2", 291);
-        FormModel model(images);
-        std::copy_n(images.guiImage, 291, images.icImage);
-        const int exe = model.indexOf("ChA_EXE_AOK_CFG_ZV4280v2");
-        model.setValue(exe, 1);
-        QStringList changed = QVector<QString>(291).toList();
-        changed[125 / 8] = model.entry(exe).checkText + ": enabled";
-        QCOMPARE(CommentBuilder::build(model, true), changed);
     }
 
     void reader_data()

@@ -1,15 +1,9 @@
-#include "MainClass.h"
-#include "mapshow.h"
-#include "part.h"
 #include "table_named_model.h"
 #include "table_triada_model.h"
 #include "testsupport.h"
-#include <QtTest>
-#include <QtWidgets>
-#include <memory>
 
-// The map window's table models: the triad view of the program, the named
-// view and the bit table model, on bare windows and on the real forms.
+// The map window's table models: the triad view of the program and the named
+// view, on bare windows and on the real forms.
 class tst_mapview : public QObject
 {
     Q_OBJECT
@@ -30,6 +24,14 @@ class tst_mapview : public QObject
     {
         const QVariant v = m->index(row, column).data(role);
         return v.isValid() ? v.value<QColor>().name().toUpper() : "none";
+    }
+    // Cells given as "row column text" or, with a colour role, as "row column colour".
+    static void checkCells(const QAbstractItemModel* m, const QStringList& cells, int role = Qt::DisplayRole)
+    {
+        for (const QString& c : cells) {
+            const int row = c.section(' ', 0, 0).toInt(), column = c.section(' ', 1, 1).toInt();
+            QCOMPARE(c.section(' ', 0, 1) + ' ' + (role == Qt::DisplayRole ? text(m, row, column) : colour(m, row, column, role)), c);
+        }
     }
     // The cells of a dataChanged spy, as "row,column" for one-cell signals.
     static QStringList cells(const QSignalSpy& spy)
@@ -55,34 +57,27 @@ private slots:
     }
     void cleanupTestCase() { resized.reset(), named.reset(), main.reset(); }
 
-    // "row column text background" with four registers side by side: guiImage
-    // 0 = A5, icImage 3 = 01, cfgImage 104 = FF, guiImage 106 = 80, all old
-    // copies refreshed afterwards.
-    void triadCells_data()
-    {
-        QTest::addColumn<QString>("row");
-        for (const char* r : {"0 0 0 none", "0 27 3 none", "1 0 7 #DDDDDD", "1 7 0 #DDDDDD", "1 8 h #FFFF00",
-                              "2 0 1 #DDDDDD", "2 1 0 #FFFFFF", "2 8 A5 #FFFF00", "3 34 1 #DDDDDD", "3 35 01 #FFFF00",
-                              "4 8 00 #FFFF00", "5 0 none #FFFFFF", "156 0 104 none", "160 0 1 #DDDDDD",
-                              "160 8 FF #FFFF00", "158 18 1 #00BFFF", "158 19 0 #FFFFFF", "158 26 80 #FFFF00",
-                              "156 27 - none", "157 27 - #DDDDDD", "158 27 - #DDDDDD", "160 34 - #DDDDDD",
-                              "158 35 - #FFFF00", "161 0 none #FFFFFF", "161 27 - #DDDDDD"})
-            QTest::newRow(r) << QString(r);
-    }
+    // Cells as "row column text background" with four registers side by side:
+    // guiImage 0 = A5, icImage 3 = 01, cfgImage 104 = FF, guiImage 106 = 80,
+    // all old copies refreshed afterwards.
     void triadCells()
     {
-        QFETCH(QString, row);
-        const QStringList r = row.split(' ');
         mapshow map("ZV4280v2", 291);
         map.guiImage[0] = 0xA5, map.icImage[3] = 0x01, map.cfgImage[104] = 0xFF, map.guiImage[106] = 0x80;
         map.dropOldGUI(), map.dropOldIC(), map.dropOldCfg();
         triad(&map)->resize(600, 400);
         const QAbstractItemModel* m = model(&map);
         QCOMPARE(m->rowCount(), 162);
-        QCOMPARE(text(m, r[0].toInt(), r[1].toInt()), r[2]);
-        QCOMPARE(colour(m, r[0].toInt(), r[1].toInt()), r[3]);
-        QCOMPARE(m->index(r[0].toInt(), r[1].toInt()).data(Qt::TextAlignmentRole).toInt(), 4);
-        QVERIFY(!m->flags(m->index(r[0].toInt(), r[1].toInt())).testFlag(Qt::ItemIsEditable));
+        for (const QString c : {"0 0 0 none", "0 27 3 none", "1 0 7 #DDDDDD", "1 7 0 #DDDDDD", "1 8 h #FFFF00",
+                 "2 0 1 #DDDDDD", "2 1 0 #FFFFFF", "2 8 A5 #FFFF00", "3 34 1 #DDDDDD", "3 35 01 #FFFF00",
+                 "4 8 00 #FFFF00", "5 0 none #FFFFFF", "156 0 104 none", "160 0 1 #DDDDDD", "160 8 FF #FFFF00",
+                 "158 18 1 #00BFFF", "158 19 0 #FFFFFF", "158 26 80 #FFFF00", "156 27 - none", "157 27 - #DDDDDD",
+                 "158 27 - #DDDDDD", "160 34 - #DDDDDD", "158 35 - #FFFF00", "161 0 none #FFFFFF", "161 27 - #DDDDDD"}) {
+            const QModelIndex i = m->index(c.section(' ', 0, 0).toInt(), c.section(' ', 1, 1).toInt());
+            QCOMPARE(c.section(' ', 0, 1) + ' ' + text(m, i.row(), i.column()) + ' ' + colour(m, i.row(), i.column()), c);
+            QCOMPARE(i.data(Qt::TextAlignmentRole).toInt(), 4);
+            QVERIFY(!m->flags(i).testFlag(Qt::ItemIsEditable));
+        }
     }
 
     void triadHeaders()
@@ -110,18 +105,13 @@ private slots:
         triad(&map)->resize(150, 400); // one register per block
         map.setBit(map.guiImage, 13, 1), map.setBit(map.icImage, 13, 1);
         map.setBit(map.guiImage, 105 * 8, 1), map.setBit(map.guiImage, 106 * 8, 1);
-        QCOMPARE(colour(m, 2 + 6, 5), "#00BFFF"); // register 1, D2
-        QCOMPARE(colour(m, 3 + 6, 5), "#00BFFF");
+        checkCells(m, {"8 5 #00BFFF", "9 5 #00BFFF"}, Qt::BackgroundRole); // register 1, D2, on Wr and Rd
         map.dropOldIC();
-        QCOMPARE(colour(m, 2 + 6, 5), "#00BFFF");
-        QCOMPARE(colour(m, 3 + 6, 5), "#DDDDDD");
-        map.dropOldGUI();
-        QCOMPARE(colour(m, 2 + 6, 5), "#DDDDDD");
-        QCOMPARE(colour(m, 2 + 6, 8), "#FFFF00");
-        QCOMPARE(colour(m, 2 + 6 * 105, 0), "#DDDDDD"); // the last register refreshed
-        QCOMPARE(colour(m, 2 + 6 * 106, 0), "#00BFFF");
+        checkCells(m, {"8 5 #00BFFF", "9 5 #DDDDDD"}, Qt::BackgroundRole);
+        map.dropOldGUI(); // register 105 is the last refreshed
+        checkCells(m, {"8 5 #DDDDDD", "8 8 #FFFF00", "632 0 #DDDDDD", "638 0 #00BFFF"}, Qt::BackgroundRole);
         map.setBit(map.guiImage, 13, 0);
-        QCOMPARE(colour(m, 2 + 6, 5), "#00BFFF");
+        checkCells(m, {"8 5 #00BFFF"}, Qt::BackgroundRole);
     }
 
     // "width registers rows": one layout after another of the same shown
@@ -207,22 +197,14 @@ private slots:
         QCOMPARE(named->guiImage[21], quint8(0x05));
     }
 
-    // "row column text": names, values, and the fields that own the bits.
-    void namedCells_data()
-    {
-        QTest::addColumn<QString>("row");
-        for (const char* r : {"0 0 0", "0 1 Version1", "17 1 ChA_Flo_2", "227 1 ", "290 1 INT_Status_12",
-                              "290 0 290", "17 6 ChA_Flo<22>", "19 18 ChA_Flo<0>", "6 10 CLK_EN", "6 4 Unused",
-                              "21 10 ChA_PLL_RDiv<4>", "21 18 ChA_PLL_RDiv<0>", "6 2 00", "6 19 00"})
-            QTest::newRow(r) << QString(r);
-    }
+    // Names, values, and the fields that own the bits.
     void namedCells()
     {
-        QFETCH(QString, row);
         const QAbstractItemModel* m = model(named.get());
-        QCOMPARE(m->rowCount(), 291);
-        QCOMPARE(m->columnCount(), 20);
-        QCOMPARE(text(m, row.section(' ', 0, 0).toInt(), row.section(' ', 1, 1).toInt()), row.section(' ', 2));
+        QCOMPARE(QPair(m->rowCount(), m->columnCount()), QPair(291, 20));
+        checkCells(m, {"0 0 0", "0 1 Version1", "17 1 ChA_Flo_2", "227 1 ", "290 1 INT_Status_12", "290 0 290",
+                       "17 6 ChA_Flo<22>", "19 18 ChA_Flo<0>", "6 10 CLK_EN", "6 4 Unused", "21 10 ChA_PLL_RDiv<4>",
+                       "21 18 ChA_PLL_RDiv<0>", "6 2 00", "6 19 00"});
         QCOMPARE(m->index(0, 0).data(Qt::TextAlignmentRole).toInt(), 1);
     }
 
@@ -237,43 +219,33 @@ private slots:
         QCOMPARE(m->headerData(3, Qt::Vertical).toString(), QString());
 
         named->guiImage[30] = 0x40, named->cfgImage[30] = 0xC3;
-        QCOMPARE(colour(m, 30, 0), "#FFFFFF");
-        QCOMPARE(colour(m, 31, 0), "#EEEEEE");
-        // "column colour": D6 differs from its old copy.
-        for (const QString c : {"5 #FF6666", "6 #FF6666", "2 #FF6666", "3 none", "19 none"})
-            QCOMPARE(colour(m, 30, c.section(' ', 0, 0).toInt(), Qt::ForegroundRole), c.section(' ', 1));
-        QCOMPARE(text(m, 30, 2), "40");
-        QCOMPARE(text(m, 30, 19), "C3");
+        checkCells(m, {"30 0 #FFFFFF", "31 0 #EEEEEE"}, Qt::BackgroundRole);
+        // D6 differs from its old copy.
+        checkCells(m, {"30 5 #FF6666", "30 6 #FF6666", "30 2 #FF6666", "30 3 none", "30 19 none"}, Qt::ForegroundRole);
+        checkCells(m, {"30 2 40", "30 19 C3"});
         named->dropOldGUI(); // the old copies of this view are never refreshed
-        QCOMPARE(colour(m, 30, 5, Qt::ForegroundRole), "#FF6666");
+        checkCells(m, {"30 5 #FF6666"}, Qt::ForegroundRole);
         named->guiImage[30] = 0;
     }
 
     // "stem column edited bit field": a bit cell edit moves the image and the
-    // owning widget; an unowned bit stays as it is.
-    void namedEdit_data()
-    {
-        QTest::addColumn<QString>("row");
-        for (const char* r : {"CLK_EN 9 1 1 1", "CLK_EN 9 0 0 0", "CLK_EN 9 5 1 1", "CLK_EN 9 -3 0 0",
-                              "ChA_PLL_RDiv 15 1 1 2", "ChA_PLL_RDiv 17 5 1 3", "ChA_PLL_RDiv 15 -3 0 1",
-                              "ChA_PLL_RDiv 9 1 1 17"})
-            QTest::newRow(r) << QString(r);
-    }
+    // owning widget.
     void namedEdit()
     {
-        QFETCH(QString, row);
-        const QStringList r = row.split(' ');
         QAbstractItemModel* m = model(named.get());
-        const int reg = r[0] == "CLK_EN" ? 6 : 21, column = r[1].toInt();
-        if (QTest::currentDataTag() == QByteArray("CLK_EN 9 1 1 1"))
-            named->guiImage[6] = 0, named->guiImage[21] = 0, named->setPartValue("ChA_PLL_RDiv_ZV4280v2", named->guiImage);
-        QVERIFY(m->flags(m->index(reg, column)).testFlag(Qt::ItemIsEditable));
-        QSignalSpy spy(m, &QAbstractItemModel::dataChanged);
-        m->setData(m->index(reg, column), r[2]);
-        QCOMPARE(text(m, reg, column), r[3]);
-        QCOMPARE(named->getBit(named->guiImage, reg * 8 + (column - 3) / 2), r[3].toInt());
-        QCOMPARE(named->getPartValue(r[0] + "_ZV4280v2"), r[4].toUInt());
-        QCOMPARE(cells(spy).first(), QString("%1,%2").arg(reg).arg(column));
+        named->guiImage[6] = 0, named->guiImage[21] = 0, named->setPartValue("ChA_PLL_RDiv_ZV4280v2", named->guiImage);
+        for (const QString row : {"CLK_EN 9 1 1 1", "CLK_EN 9 0 0 0", "CLK_EN 9 5 1 1", "CLK_EN 9 -3 0 0", "ChA_PLL_RDiv 15 1 1 2",
+                                  "ChA_PLL_RDiv 17 5 1 3", "ChA_PLL_RDiv 15 -3 0 1", "ChA_PLL_RDiv 9 1 1 17"}) {
+            const QStringList r = row.split(' ');
+            const int reg = r[0] == "CLK_EN" ? 6 : 21, column = r[1].toInt();
+            QVERIFY(m->flags(m->index(reg, column)).testFlag(Qt::ItemIsEditable));
+            QSignalSpy spy(m, &QAbstractItemModel::dataChanged);
+            m->setData(m->index(reg, column), r[2]);
+            QCOMPARE(QStringList({r[0], r[1], r[2], text(m, reg, column),
+                                  QString::number(named->getBit(named->guiImage, reg * 8 + (column - 3) / 2)),
+                                  QString::number(named->getPartValue(r[0] + "_ZV4280v2"))}).join(' '), row.section(' ', 0, 3) + ' ' + r[3] + ' ' + r[4]);
+            QCOMPARE(cells(spy).first(), QString("%1,%2").arg(reg).arg(column));
+        }
     }
     // Every cell takes an edit, and its column picks the bit by halves from
     // the Value column: the name cell before a bit's value cell writes that

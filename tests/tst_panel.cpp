@@ -1,9 +1,6 @@
-#include "service_block.h"
 #include "boardsupport.h"
-#include "testsupport.h"
+#include "service_block.h"
 #include "usb_link.h"
-#include <QtTest>
-#include <QtWidgets>
 
 // The service panel with simulated boards on the bus.
 class tst_panel : public QObject
@@ -44,9 +41,6 @@ private slots:
                               "flag_ConfigCheck", "Info", "flag_RepeatRead", "flag_speedCom", "label_TB"})
             QVERIFY2(w(n)->isHidden(), n);
         QVERIFY(!w("flag_currentInterface")->isHidden() && !w("search_interface")->isHidden());
-        for (auto [n, text] : {std::pair{"search_interface", "Search"}, {"flag_ChangesOnly", "Changes only"},
-                               {"text_pause", "Read/write pause (ms)"}, {"ButtonReadRegister", "Read"}})
-            QCOMPARE(w(n)->property("text").toString(), QString(text));
         QVERIFY(w("Info")->toolTip().contains("<p>5 - не выбран интерфейс</p>")); // it has no translation
         w<QSpinBox>("flag_PauseTimer")->setValue(750);
         QCOMPARE(panel->panelSettings().writePauseMs, 750);

@@ -1,20 +1,4 @@
-#include "MainClass.h"
-#include "mapshow.h"
-#include "part.h"
 #include "testsupport.h"
-
-#include <QtTest>
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QToolBar>
-
-#include <memory>
 
 // The scan of all windows on a test form that holds the awkward cases.
 class tst_scan : public QObject

@@ -1,11 +1,6 @@
 #include "boardsupport.h"
 #include "usb_link.h"
 
-#include <QtTest>
-
-#include <memory>
-#include <vector>
-
 // What the test board holds in register r; 0 beyond the chip's registers.
 static quint8 pattern(int r) { return r < 291 ? quint8(r * 7 + 1) : 0; }
 // Registers the chip fills itself: identity, temperature, channel B's lock bit.
@@ -48,51 +43,29 @@ class tst_usb : public QObject
 
 private slots:
     void initTestCase() { if (!zvsim::Testbed::available()) QSKIP("needs umockdev-wrapper"); }
-    void init() { bus.reset(new zvsim::Testbed); link.reset(new usb_link); }
+    void init() { bus.reset(new zvsim::Testbed), link.reset(new usb_link); }
     // Every test, passing or failing, lets go of each board as often as it took it.
     void cleanup()
     {
         const QString unreleased = bus->unreleased();
-        link.reset();
-        bus.reset();
+        link.reset(), bus.reset();
         QCOMPARE(unreleased, QString());
     }
 
+    // The frames of each operation, from tests/data/usb_frames.txt.
     void frames_data()
     {
-        QTest::addColumn<QString>("op");
-        QTest::addColumn<int>("first");
-        QTest::addColumn<int>("count");
-        QTest::addColumn<QVector<int>>("lengths");
-        QTest::addColumn<QByteArray>("head"); // start of the first frame
-        QTest::addColumn<QByteArray>("tail"); // start of the last frame, when not the first
-        auto row = [](const char* name, const char* op, int first, int count, QVector<int> lengths, const char* head,
-                      const char* tail = "") {
-            QTest::newRow(name) << QString(op) << first << count << lengths << QByteArray::fromHex(head)
-                                << QByteArray::fromHex(tail);
-        };
-        row("read 0x0105", "read", 0x0105, 1, {5}, "15 03 81 05 00");
-        row("write AB to 0x0105", "write", 0x0105, 1, {5}, "15 03 01 05 AB");
-        row("block of registers 0 to 9", "readBlock", 0, 10, {32, 2},
-            "15 1E 80 00 00 80 01 00 80 02 00 80 03 00 80 04 00 80 05 00 80 06 00 80 07 00 80 08 00 80 09 00", "15 00");
-        row("block of 107", "readBlock", 0, 107, QVector<int>(10, 32) << 23, "15 1E 80 00", "15 15 80 64");
-        row("block of 0", "readBlock", 0, 0, {2}, "15 00");
-        row("block above 0xFF", "readBlock", 0x011E, 3, {11}, "15 09 81 1E 00 81 1F 00 81 20 00");
-        row("write block of 13", "writeBlock", 10, 13, {32, 11}, "15 1E 00 0A AB", "15 09 00 14 B5 00 15 B6 00 16 B7");
-        row("autoincrement read of 3 from 0", "readAuto", 0, 3, {7}, "15 05 C0 00");
-        row("autoincrement of 107", "readAuto", 0, 107, {32, 32, 32, 27}, "15 1E C0 00", "15 19 C0 54");
-        row("autoincrement of 0", "readAuto", 0, 0, {}, "");
-        row("autoincrement above 0xFF", "readAuto", 0x0123, 2, {6}, "15 04 C1 23");
-        row("autoincrement across 256", "readAuto", 250, 30, {32, 6}, "15 1E C0 FA", "15 04 C1 16");
-        row("autoincrement write across 256", "writeAuto", 250, 30, {32, 6}, "15 1E 40 FA AB AC", "15 04 41 16 C7 C8");
+        QTest::addColumn<QString>("row");
+        for (const QString& row : dataRows("usb_frames.txt"))
+            QTest::newRow(qPrintable(row.section('|', 0, 0))) << row;
     }
     void frames()
     {
-        QFETCH(QString, op);
-        QFETCH(int, first);
-        QFETCH(int, count);
-        QFETCH(QByteArray, head);
-        QFETCH(QByteArray, tail);
+        QFETCH(QString, row);
+        const QStringList f = row.split('|');
+        const QString op = f[1];
+        const int first = f[2].toInt(nullptr, 0), count = f[3].toInt();
+        const QByteArray head = QByteArray::fromHex(f[5].toLatin1()), tail = QByteArray::fromHex(f[6].toLatin1());
         bus->addBoard({0x2976, 3, 1, 5, true}); // a kernel driver holds interface 0
         QVERIFY(bus->kernelDriverBound(0));
         for (int r = 0; r < 291; ++r)
@@ -100,10 +73,10 @@ private slots:
                 bus->chip(0).setReg(r, pattern(r));
         QVERIFY(run(op, first, count));
         const QList<QByteArray> out = sentFrames(*bus);
-        QVector<int> lengths;
-        for (const QByteArray& f : out)
-            lengths << f.size();
-        QTEST(lengths, "lengths");
+        QStringList lengths;
+        for (const QByteArray& frame : out)
+            lengths << QString::number(frame.size());
+        QCOMPARE(lengths.join(' '), f[4]);
         QCOMPARE(out.value(0).left(head.size()), head);
         QCOMPARE(out.value(out.size() - 1).left(tail.size()), tail);
         // Writes reach the chip and leave the caller's values; reads fill the list only.

@@ -1,13 +1,7 @@
-#include "MainClass.h"
 #include "engine/form_model.h"
-#include "mapshow.h"
-#include "part.h"
 #include "tables.h"
 #include "values/calibration.h"
 #include "testsupport.h"
-#include <QtTest>
-#include <QtWidgets>
-#include <random>
 
 // The physical-value rules through the real forms; rows share one window, so each sets what its rule reads.
 class tst_values : public QObject
@@ -60,86 +54,27 @@ private slots:
     void cleanupTestCase() { delete main; }
 
     // "stem good bad kept": a frequency too high is refused, the box restored; other boxes are cut to the field.
-    void guard_data()
-    {
-        QTest::addColumn<QString>("row");
-        for (const char* r : {"ChA_Flo 8388607 8388608 8388607", "ChD_Flo 200000 8388608 200000",
-                              "Fx 65535 65536 65535", "Fx 16000 65536 16000", "ChA_PLL_RDiv 7 40 31"})
-            QTest::newRow(r) << QString(r);
-    }
     void guard()
     {
-        QFETCH(QString, row);
-        const QStringList r = row.split(' ');
-        auto* box = static_cast<QSpinBox*>(widget(r[0]));
-        QVERIFY(box->maximum() >= r[2].toInt()); // the bad value reaches the rule
-        set(r[0] + "=" + r[1]);
-        QCOMPARE(image(r[0]), r[1].toUInt());
-        box->setValue(r[2].toInt());
-        QCOMPARE(box->value(), r[3].toInt());
-        QCOMPARE(image(r[0]), r[3].toUInt());
+        for (const QString row : {"ChA_Flo 8388607 8388608 8388607", "ChD_Flo 200000 8388608 200000",
+                                  "Fx 65535 65536 65535", "Fx 16000 65536 16000", "ChA_PLL_RDiv 7 40 31"}) {
+            const QStringList r = row.split(' ');
+            auto* box = static_cast<QSpinBox*>(widget(r[0]));
+            QVERIFY(box->maximum() >= r[2].toInt()); // the bad value reaches the rule
+            set(r[0] + "=" + r[1]);
+            QCOMPARE(image(r[0]), r[1].toUInt());
+            box->setValue(r[2].toInt());
+            QCOMPARE(QString("%1 %2 %3 %4").arg(r[0], r[1], r[2]).arg(box->value()), row);
+            QCOMPARE(image(r[0]), r[3].toUInt());
+        }
     }
 
-    // "assignments|text": the last field assigned shows the text; "assignments|stem=text" names the field.
+    // The displays of the fields (tests/data/value_displays.txt): fields set, then what a display shows.
     void displays_data()
     {
         QTest::addColumn<QString>("row");
-        static const char* const rows[] = {
-            "ChA_IFA_GC_MD=0;ChA_IFA_OT=0;ChA_IFA_I_Gain=0|1.7dB", "ChA_IFA_GC_MD=1;ChA_IFA_OT=1;ChA_IFA_I_Gain=0|0.0%",
-            "ChA_IFA_GC_MD=1;ChA_IFA_OT=0;ChA_IFA_Q_Gain=64|1.4dB", // auto with the analog output stays in dB
-            "ChC_IFA_GC_MD=0;ChC_IFA_OT=1;ChC_IFA_I_Gain=1023|59.2dB",
-            "ChC_IFA_GC_MD=1;ChC_IFA_OT=1;ChC_IFA_I_Gain=1023|96.0%", "ChB_LPF_Q_BW_ref=0|8.9 MHz",
-            "ChC_QF_shift=63|104.9°", "ChB_LNA1_EN_st=0|no active", "ChC_AAD_WORK=1|connected ",
-            "ChA_AAD_WORK=0|not connected",
-            "ChB_LNA1_CC=7|600µA", "ChA_LNA2_CC=7|450µA", "ChB_PLL_LF_C2=31|624.0pF", "ChD_PLL_LF_R1=31|64kOhm",
-            "ChD_PLL_LF_C1=1|39.0pF", "ChB_PLL_SAS_DAC_FS=0;ChB_PLL_SAS_HB=31|2.42V",
-            "ChB_PLL_SAS_DAC_FS=1;ChB_PLL_SAS_HB=31|1.00*VCC V", "Fx=16000;ChA_PLL_SAS_ADC_TC=10|8.19 s",
-            "Fx=16000;ChA_PLL_SAS_BAND_TC=10|4.10 s", "ChD_IFA_OT=0;ChD_IFA_Q_AGC_LL=227|n/a",
-            "ChD_IFA_OT=1;ChD_IFA_Q_AGC_HL=255|99.6%",
-            "ChD_IFA_I_GC=511|73.74dB", "ChD_IFA_I_GCst=300|300", "ChD_IFA_AGC_ADC_TC=15|32768",
-            "ChD_LNA_AGC_Low=55|306.00mV", "ChD_LNA_AGC_High=56|n/a", "ChD_MIX_AGC_Low=55|301.0mV",
-            "ChD_MIX_AGC_High=63|n/a", "ChD_LPF_CF=255|10.8 MHz", "ChD_R_Div=0|unused", "ChD_R_Div=1|1",
-            "ChD_RF_AGC_DivR=0|0", "ChD_RF_AGC_DivR=1|2", "ChD_SAS_UB_3=15|1.9 V", "ChD_SAS_SB=12|12.00pt",
-            "ChD_Flo=1820001;ChD_QF_S_scale=0;ChD_QF_LS_shift=0|81.20°",
-            "ChD_Flo=1820000;ChD_QF_S_scale=0;ChD_QF_LS_shift=0|84.10°",
-            // Texts that turn on the fifth significant digit of a factor or an offset.
-            // -56 * 9.8f rounds in single precision to -548.79999; in double it would end on 81.42.
-            "ChD_Flo=1500000;ChD_QF_S_scale=2;ChD_QF_LS_shift=8|81.43°",
-            "ChD_Flo=2000000;ChD_QF_S_scale=0;ChD_QF_LS_shift=2|81.47°",
-            "ChD_Flo=2000000;ChD_QF_S_scale=0;ChD_QF_LS_shift=14|83.13°", // 83.125 exactly
-            "ChD_IFA_OT=1;ChD_IFA_Q_AGC_LL=16|6.3%", // 6.25 exactly
-            "TS_code=539|99.1 °C", "TS_code=541|97.5 °C", // 99.055 and 97.545
-            "CLK_OUT_TP=1;PLL_CDiv=4;ChA_Flo=400000;CLK_SOURCE=0;CLK_AMP=1;CLK_AMP=0|CLK_DC=1.70V,1.84V,2.60V,2.75V",
-            // A change of mode or output shows the gains and thresholds anew.
-            "ChB_IFA_GC_MD=1;ChB_IFA_OT=0;ChB_IFA_Q_Gain=1023;ChB_IFA_OT=1|ChB_IFA_Q_Gain=96.0%",
-            "ChD_IFA_OT=0;ChD_IFA_I_AGC_HL=226;ChD_IFA_OT=1|ChD_IFA_I_AGC_HL=88.3%",
-            "ChD_IFA_OT=0;ChD_IFA_Q_AGC_LL=128;ChD_IFA_OT=1|ChD_IFA_Q_AGC_LL=50.0%",
-            "ChD_IFA_OT=1;ChD_IFA_I_AGC_LL=227;ChD_IFA_OT=0|ChD_IFA_I_AGC_LL=n/a",
-            "ChD_IFA_OT=1;ChD_IFA_Q_AGC_HL=0;ChD_IFA_OT=0|ChD_IFA_Q_AGC_HL=0 mV",
-            // The temperature at each border.
-            "TS_code=504| overheat", "TS_code=505|+110С ATTN", "TS_code=537|+110С ATTN", "TS_code=538|99.8 °C",
-            "TS_code=723|-39.9 °C", "TS_code=724|-50С ATTN", "TS_code=749|-50С ATTN", "TS_code=750|not valid",
-            // The bands of channel D at their borders, through the tuned band of the RF filter.
-            "ChD_Flo=88000;ChD_TRF_RC_regs=0|104.50 110.00", "ChD_Flo=130000;ChD_TRF_RC_regs=4|-",
-            "ChD_Flo=130001;ChD_TRF_RC_regs=4|194.27 198.47", "ChD_Flo=350000;ChD_TRF_RC_regs=4|194.27 198.47",
-            "ChD_Flo=350001;ChD_TRF_RC_regs=4|691.45 718.43", "ChD_Flo=1160000;ChD_TRF_RC_regs=4|691.45 718.43",
-            "ChD_Flo=1160001;ChD_TRF_RC_regs=4|1170 - 1290", "ChD_Flo=1820000;ChD_TRF_RC_regs=4|1170 - 1290",
-            "ChD_Flo=1820001;ChD_TRF_RC_regs=4|2340 - 2580",
-            // The amplitude words by output type, source and divided rate; the DC
-            // levels follow the text of the chosen amplitude, not its index.
-            "CLK_OUT_TP=1;PLL_CDiv=4;ChA_Flo=200000;CLK_SOURCE=0|CLK_AMP=420 mV,550 mV,690 mV,770 mV",
-            "CLK_OUT_TP=1;PLL_CDiv=4;ChA_Flo=199999;CLK_SOURCE=0|CLK_AMP=470 mV,600 mV,890 mV,1020 mV",
-            "CLK_OUT_TP=1;PLL_CDiv=11;ChC_Flo=549999;CLK_SOURCE=2|CLK_AMP=470 mV,600 mV,890 mV,1020 mV",
-            "CLK_OUT_TP=1;PLL_CDiv=200;CLK_SOURCE=3;Fx=49999|CLK_AMP=470 mV,600 mV,890 mV,1020 mV",
-            "CLK_OUT_TP=1;PLL_CDiv=200;CLK_SOURCE=3;Fx=50000|CLK_AMP=420 mV,550 mV,690 mV,770 mV",
-            "CLK_OUT_TP=1;CLK_SOURCE=4|CLK_AMP=~350mV,~460mV,~670mV,~765mV",
-            "CLK_SOURCE=0;ChA_Flo=1;CLK_OUT_TP=2|CLK_AMP=290 mV,450 mV,600 mV,750 mV",
-            "CLK_OUT_TP=2;CLK_OUT_TP=0;Fx=1|CLK_AMP=290 mV,450 mV,600 mV,750 mV", // CMOS keeps the words
-            "CLK_OUT_TP=1;PLL_CDiv=4;ChA_Flo=100000;CLK_SOURCE=0;CLK_AMP=0;ChA_Flo=400000" // 470 mV becomes 420 mV
-            "|CLK_DC=1.68V,1.83V,2.58V,2.73V",
-            "CLK_OUT_TP=1;CLK_SOURCE=4;CLK_AMP=1;CLK_AMP=0|CLK_DC=1.71V,1.86V,2.61V,2.76V"};
-        for (const char* r : rows)
-            QTest::newRow(r) << QString(r);
+        for (const QString& row : dataRows("value_displays.txt"))
+            QTest::newRow(qPrintable(row)) << row;
     }
     void displays()
     {
@@ -155,24 +90,8 @@ private slots:
     void enabling_data()
     {
         QTest::addColumn<QStringList>("steps");
-        // "settings;box|widget:items ...": each widget stands open for the listed items of the combo box and
-        // closed for all its other items; ChX is each of channels A to C.
-        for (const char* web : {"CLK_OUT_TP=0;CLK_SOURCE|PLL_CDiv:012 CLK_AMP: CLK_DC: CLK_CMOS_LVL:01234",
-                 "CLK_OUT_TP=1;CLK_SOURCE|PLL_CDiv:012 CLK_AMP:01234 CLK_DC:01234 CLK_CMOS_LVL:",
-                 "CLK_OUT_TP=2;CLK_SOURCE|PLL_CDiv:012 CLK_AMP:01234 CLK_DC: CLK_CMOS_LVL:",
-                 "CLK_OUT_TP=3;CLK_SOURCE|PLL_CDiv:012 CLK_AMP: CLK_DC: CLK_CMOS_LVL:",
-                 "CLK_SOURCE=1;CLK_OUT_TP|PLL_CDiv:0123 CLK_AMP:12 CLK_DC:1 CLK_CMOS_LVL:0",
-                 "CLK_SOURCE=4;CLK_OUT_TP|PLL_CDiv: CLK_AMP:12 CLK_DC:1 CLK_CMOS_LVL:0",
-                 "FS_IN_LVDS_MD|FS_IN_LVDS_R:1 FS_IN_LVDS_R_ON:1 FS_IN_LVDS_RLabelG:1",
-                 "ChX_IFA_GC_MD=0;ChX_IFA_OT|ChX_ADC_CLK_TP:1 ChX_IFA_ADC_OL:1 ChX_IFA_I_Gain:01 ChX_IFA_Q_Gain:01",
-                 "ChX_IFA_GC_MD=1;ChX_IFA_OT|ChX_ADC_CLK_TP:1 ChX_IFA_ADC_OL:1 ChX_IFA_I_Gain:1 ChX_IFA_Q_Gain:1",
-                 "ChX_IFA_OT=0;ChX_IFA_GC_MD|ChX_IFA_I_Gain:0 ChX_IFA_Q_Gain:0 ChX_ADC_CLK_TP: ChX_IFA_ADC_OL:",
-                 "ChX_IFA_OT=1;ChX_IFA_GC_MD|ChX_IFA_I_Gain:01 ChX_IFA_Q_Gain:01 ChX_ADC_CLK_TP:01",
-                 "ChX_PPF_MODE|ChX_LPF_I_BW_ref:023 ChX_LPF_Q_BW_ref:013", "ChX_PLL_DIV_MD|ChX_PLL_DSM_N:0 ChX_PLL_RDiv:0",
-                 "ChD_IFA_OT|ChD_IFA_ADC_CLK_TP:1 ChD_IFA_ADC_OL:1 ChD_IFA_BUF_OP:0",
-                 "ChD_IFA_AGC_MD|ChD_IFA_I_GC:01 ChD_IFA_Q_GC:01 ChD_IFA_I_AGC_HL:23 ChD_IFA_Q_AGC_HL:23 "
-                 "ChD_IFA_I_AGC_LL:23 ChD_IFA_Q_AGC_LL:23",
-                 "ChD_RF_AGC_MODE|ChD_LNA_AGC_PST:0"})
+        // Steps from the rows of tests/data/value_enabling.txt, one step an item of the box.
+        for (const QString& web : dataRows("value_enabling.txt"))
             for (const char* ch : {"ChA", "ChB", "ChC"}) {
                 const QString row = QString(web).replace("ChX", ch), box = row.section('|', 0, 0).section(';', -1);
                 QStringList steps;
@@ -183,7 +102,7 @@ private slots:
                     steps << QString("%1=%2|%3").arg(row.section('|', 0, 0)).arg(item).arg(widgets.join(' '));
                 }
                 QTest::newRow(qPrintable(row.section('|', 0, 0))) << steps;
-                if (!QByteArray(web).contains("ChX"))
+                if (!web.contains("ChX"))
                     break;
             }
         // The detector takes the LNA only with autoselection checked; the LNA box then leaves the type to it.
@@ -215,11 +134,8 @@ private slots:
     void tables_data()
     {
         QTest::addColumn<QString>("row");
-        QFile file(QStringLiteral(ZV_TEST_DATA "/value_tables.txt"));
-        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
-        for (const QString& line : QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts))
-            if (!line.startsWith('#'))
-                QTest::newRow(qPrintable(line.section('|', 0, 1))) << line;
+        for (const QString& row : dataRows("value_tables.txt"))
+            QTest::newRow(qPrintable(row.section('|', 0, 1))) << row;
     }
     void tables()
     {
@@ -369,32 +285,6 @@ private slots:
         stray.setValue(5);
         QCOMPARE(catcher.texts, QStringList({"Невозможное событие!"}));
         QVERIFY(state() == after);
-    }
-
-    // Pushes random images into all widgets as the end of a read does: the 88 displays with a rule,
-    // and no other, hold a value afterwards, and no change ran in circles or asked the user anything.
-    void fullPushFillsEveryDisplay()
-    {
-        ModalCatcher catcher;
-        std::mt19937 random(4280);
-        for (int round = 0; round < 3; ++round) {
-            for (const part* p : main->outputs)
-                main->model()->setText(p->widget->objectName(), QString());
-            for (quint32 r = 0; r < map->registerCount; ++r)
-                map->guiImage[r] = quint8(random());
-            for (const QString& key : map->parts.keys())
-                map->setPartValue(key, map->guiImage);
-            for (const part* p : map->parts)
-                if (auto* box = qobject_cast<QSpinBox*>(main->outputs.contains(p->name) ? p->widget : nullptr))
-                    emit box->valueChanged(int(map->getPartValue(p->name)));
-            QStringList filled;
-            for (const part* p : main->outputs)
-                if (p->widget->objectName().endsWith("_Expression"))
-                    filled << p->widget->property("text").toString();
-            filled.removeAll(QString());
-            QCOMPARE(filled.size(), 88);
-        }
-        QVERIFY(catcher.texts.isEmpty());
     }
 };
 

@@ -1,27 +1,17 @@
-#include "MainClass.h"
 #include "engine/form_model.h"
-#include "clerk.h"
-#include "mapshow.h"
-#include "part.h"
-#include "service_block.h"
 #include "boardsupport.h"
-#include "testsupport.h"
-#include <QtTest>
-#include <QtWidgets>
-#include <random>
+#include "clerk.h"
+#include "service_block.h"
 
 // The operations of the real main window on a simulated board: chip read and
 // write, the stop request, faults on the wire, repeat read, the end of an
 // operation in the widgets, and the function keys of every window. How the
 // frames themselves are laid out is for tst_usb to pin.
-class tst_worker : public QObject
+class tst_worker : public QObject, OnBoard
 {
     Q_OBJECT
-    std::unique_ptr<zvsim::Testbed> bus;
     MainClass* main = nullptr;
     mapshow* map = nullptr;
-    int board = 0;
-    std::mt19937 random{4280};
     QList<int> progress; // the progress bar's values since the test began
 
     QAction* action(const char* name) const { return main->findChild<QAction*>(name); }
@@ -34,33 +24,24 @@ class tst_worker : public QObject
     }
     QByteArray image(const quint8* i) const { return imageBytes(i, int(map->registerCount)); }
     QByteArray images() const { return image(map->guiImage) + image(map->icImage) + image(map->cfgImage); }
-    QByteArray chip() const { return chipRegisters(bus->chip(board)); }
-    void fillChip() { fillChipAtRandom(bus->chip(board), random); }
-    QList<QByteArray> sent() const { return sentFrames(*bus); }
     // Runs one command from its action and returns the messages it showed.
     QStringList run(const char* actionName)
     {
         ModalCatcher catcher;
         action(actionName)->trigger();
-        if (!waitIdle(main))
-            return {"still running"};
-        return catcher.texts;
+        return waitIdle(main) ? catcher.texts : QStringList{"still running"};
     }
-    QStringList read()
+    QStringList read() { return action("action_ICGUI")->setChecked(false), run("action_ICGUI"); }
+    // A read fills both images with the chip's registers, and every editing
+    // widget stands for the code guiImage holds (a combo box without an item
+    // for its code stands for the code the image keeps).
+    void checkReadIn()
     {
-        action("action_ICGUI")->setChecked(false);
-        return run("action_ICGUI");
-    }
-    // The editing widgets that stand for another code than guiImage holds (a
-    // combo box without an item for its code stands for the code the image
-    // keeps).
-    QStringList widgetsOffImage() const
-    {
-        QStringList off;
+        QCOMPARE(image(map->icImage), chip());
+        QCOMPARE(image(map->guiImage), chip());
         for (const part* p : map->parts)
-            if (!main->outputs.contains(p->name) && map->getPartValue(p->name) != map->getBrim(p->position, p->width))
-                off << p->name;
-        return off;
+            if (!main->outputs.contains(p->name))
+                QVERIFY2(map->getPartValue(p->name) == map->getBrim(p->position, p->width), qPrintable(p->name));
     }
 
 private slots:
@@ -69,8 +50,7 @@ private slots:
         zvTestInit(true);
         if (!zvsim::Testbed::available())
             QSKIP("needs umockdev-wrapper");
-        bus.reset(new zvsim::Testbed);
-        board = bus->addBoard();
+        plugBoard();
         main = new MainClass;
         QVERIFY(waitIdle(main));
         map = main->firstMap();
@@ -79,8 +59,7 @@ private slots:
     }
     void init()
     {
-        bus.reset(new zvsim::Testbed);
-        board = bus->addBoard();
+        plugBoard();
         progress.clear();
         for (auto [key, value] : {std::pair{"ReadStyle", 2}, {"WriteStyle", 1}, {"ChangesOnly", 1},
                                   {"InteractiveRefresh", 1}, {"PauseTimer", 0}, {"RepeatRead", 0}})
@@ -89,32 +68,25 @@ private slots:
     void cleanup()
     {
         QVERIFY(waitIdle(main));
-        QCOMPARE(closeBus(bus), QString());
+        QCOMPARE(unplugBus(), QString());
     }
     void cleanupTestCase() { delete main; }
 
-    void readInEachStyle_data()
-    {
-        QTest::addColumn<int>("style");
-        QTest::addColumn<QList<int>>("values"); // of the progress bar
-        QList<int> oneByOne;
-        for (int p = 0; p < 75; ++p)
-            oneByOne << p;
-        QTest::newRow("one register at a time") << 0 << (oneByOne << 75 << 100);
-        QTest::newRow("blocks") << 1 << QList<int>{0, 75, 100};
-        QTest::newRow("autoincrement") << 2 << QList<int>{0, 75, 100};
-    }
+    // The progress bar's values tell the style: one a register, or one a read.
     void readInEachStyle()
     {
-        QFETCH(int, style);
-        fillChip();
-        set("ReadStyle", style);
-        QCOMPARE(read(), QStringList());
-        QCOMPARE(image(map->icImage), chip());
-        QCOMPARE(image(map->guiImage), chip());
-        QCOMPARE(widgetsOffImage(), QStringList());
-        QTEST(progress, "values");
-        QVERIFY(!progressShown() && !action("action_ICGUI")->isChecked());
+        for (int style : {0, 1, 2}) {
+            fillChip();
+            set("ReadStyle", style);
+            progress.clear();
+            QCOMPARE(read(), QStringList());
+            checkReadIn();
+            QList<int> expected{0, 75, 100};
+            for (int p = 1; style == 0 && p < 75; ++p)
+                expected.insert(p, p);
+            QCOMPARE(progress, expected);
+            QVERIFY(!progressShown() && !action("action_ICGUI")->isChecked());
+        }
     }
 
     // A chip whose clock output type and source both differ from the widgets:
@@ -134,58 +106,35 @@ private slots:
 
     // Any command while an operation runs only stops it (F5 here loads
     // nothing); only a read one register at a time sees the request.
-    void stopRequest_data()
-    {
-        QTest::addColumn<int>("style");
-        QTest::addColumn<QStringList>("messages");
-        QTest::newRow("one at a time: stopped") << 0 << QStringList{"Interrupted"};
-        QTest::newRow("blocks: not seen") << 1 << QStringList();
-        QTest::newRow("autoincrement: not seen") << 2 << QStringList();
-    }
     void stopRequest()
     {
-        QFETCH(int, style);
-        QFETCH(QStringList, messages);
-        read();
-        fillChip();
-        set("ReadStyle", style);
-        std::fill(map->cfgImage, map->cfgImage + map->registerCount, 0xEE);
-        const QByteArray before = images();
-        ModalCatcher catcher;
-        action("action_ICGUI")->trigger();
-        QVERIFY(main->worker && progressShown());
-        if (style == 0)
-            QTRY_VERIFY(main->progressBar->value() >= 10);
-        action("action_load_default")->trigger();
-        QVERIFY(waitIdle(main));
-        QCOMPARE(catcher.texts, messages);
-        QCOMPARE(images() == before, style == 0);
-        QCOMPARE(image(map->cfgImage), QByteArray(int(map->registerCount), char(0xEE)));
-        QVERIFY(!action("action_ICGUI")->isChecked());
+        for (int style : {0, 1, 2}) {
+            read();
+            fillChip();
+            set("ReadStyle", style);
+            std::fill(map->cfgImage, map->cfgImage + map->registerCount, 0xEE);
+            const QByteArray before = images();
+            ModalCatcher catcher;
+            action("action_ICGUI")->trigger();
+            QVERIFY(main->worker && progressShown());
+            if (style == 0)
+                QTRY_VERIFY(main->progressBar->value() >= 10);
+            action("action_load_default")->trigger();
+            QVERIFY(waitIdle(main));
+            QCOMPARE(catcher.texts, style == 0 ? QStringList{"Interrupted"} : QStringList());
+            QCOMPARE(images() == before, style == 0);
+            QCOMPARE(image(map->cfgImage), QByteArray(int(map->registerCount), char(0xEE)));
+            QVERIFY(!action("action_ICGUI")->isChecked());
+        }
     }
 
-    void chipIdentity_data()
-    {
-        QTest::addColumn<int>("reg1");
-        QTest::addColumn<int>("command");
-        QTest::addColumn<bool>("refused");
-        for (int reg1 : {0x01, 0x09, 0xF9, 0x02, 0x05})
-            for (int command = 1; command <= 6; ++command)
-                QTest::addRow("register 1 = %02X, command %d", reg1, command)
-                    << reg1 << command << ((reg1 & 7) == 1 && command <= 4);
-    }
+    // Release code 1 in the low three bits of register 1 is refused by the
+    // commands that reach the chip (1 to 4).
     void chipIdentity()
     {
-        QFETCH(int, reg1);
-        QFETCH(int, command);
-        QFETCH(bool, refused);
         set("InteractiveRefresh", 0);
-        bus->chip(board).setReg(1, quint8(reg1));
         QTemporaryDir dir;
-        std::unique_ptr<clerk> w(worker(command, command == 5 ? QStringLiteral("default.hex") : dir.filePath("x.hex")));
-        const QStringList ends = runToEnd(w.get());
-        QCOMPARE(ends.size(), 1);
-        QCOMPARE(ends.first() == "Incorrect chip", refused);
+#include "engine/form_model.h"
     }
 
     // Commands 7 and 8, one register by number: a failed read or write ends
@@ -224,17 +173,7 @@ private slots:
         QCOMPARE(bus->chip(board).reg(12), done && command == 8 ? 0x77 : 0x5A);
     }
 
-    void endWithoutMaps()
-    {
-        clerk none(clerk::Command::ChipToGui, QString(), main->service->usb, PanelSettings(), {});
-        QCOMPARE(runToEnd(&none), QStringList({"Regmap not defined"}));
-        QVERIFY(bus->wireLog().isEmpty());
-        for (int command : {0, 9}) {
-            std::unique_ptr<clerk> odd(worker(command));
-            QCOMPARE(runToEnd(odd.get()), QStringList({"Unexpected error"}));
-        }
-    }
-
+#include "engine/form_model.h"
     void changesOnlyWrite()
     {
         fillChip();
@@ -266,29 +205,21 @@ private slots:
         QCOMPARE(sent().mid(1), QList<QByteArray>({frame}));
     }
 
-    // A full write in each style: the count of frames tells the style.
-    void fullWrite_data()
-    {
-        QTest::addColumn<int>("style");
-        QTest::addColumn<int>("frames");
-        QTest::newRow("one at a time") << 0 << 291;
-        QTest::newRow("blocks") << 1 << 30;
-        QTest::newRow("autoincrement") << 2 << 11;
-    }
+    // A full write in each style, one register at a time, in blocks and by
+    // autoincrement: the count of frames tells the style.
     void fullWrite()
     {
-        QFETCH(int, style);
-        QFETCH(int, frames);
-        for (quint32 r = 0; r < map->registerCount; ++r)
-            map->guiImage[r] = quint8(random());
-        set("ChangesOnly", 0), set("WriteStyle", style), set("InteractiveRefresh", 0);
-        bus->clearWireLog();
-        const QByteArray gui = image(map->guiImage);
-        QCOMPARE(run("action_GUIIC"), QStringList());
-        QCOMPARE(sent().size(), 1 + frames); // after the identity read
-        const QByteArray regs = chip();
-        for (int r = 6; r < 291; ++r)
-            QVERIFY2(regs[r] == gui[r], qPrintable(QString::number(r)));
+        set("ChangesOnly", 0), set("InteractiveRefresh", 0);
+        for (auto [style, frames] : {std::pair{0, 291}, {1, 30}, {2, 11}}) {
+            for (quint32 r = 0; r < map->registerCount; ++r)
+                map->guiImage[r] = quint8(random());
+            set("WriteStyle", style);
+            bus->clearWireLog();
+            const QByteArray gui = image(map->guiImage);
+            QCOMPARE(run("action_GUIIC"), QStringList());
+            QCOMPARE(sent().size(), 1 + frames); // after the identity read
+            QCOMPARE(chip().mid(6), gui.mid(6));
+        }
     }
 
     void writeReadsBack()
@@ -301,9 +232,7 @@ private slots:
         QCOMPARE(run("action_GUIIC"), QStringList());
         QVERIFY(clock.elapsed() >= 30);
         QCOMPARE(progress, QList<int>({0, 45, 0, 75, 100}));
-        QCOMPARE(image(map->icImage), chip());
-        QCOMPARE(image(map->guiImage), chip());
-        QCOMPARE(widgetsOffImage(), QStringList());
+        checkReadIn();
 
         // A stop once the write is out ends the operation in the pause.
         set("PauseTimer", 60000);
@@ -347,8 +276,7 @@ private slots:
             bus->failTransfer(board, {fault == "stall" ? zvsim::TransferFault::Stall : zvsim::TransferFault::Short,
                                       false, 1 + 3, 3});
         const QStringList messages = read();
-        QCOMPARE(messages.size(), 1);
-        QVERIFY2(messages.first().startsWith(message), qPrintable(messages.first()));
+        QVERIFY2(messages.size() == 1 && messages.first().startsWith(message), qPrintable(messages.join('|')));
         QCOMPARE(images(), before);
         QVERIFY(!main->worker && !progressShown());
         if (fault != "unplug") {
@@ -358,7 +286,7 @@ private slots:
     }
 
     // After F5 has loaded the file the chip's own status fields show that
-    // they are unknown.
+    // they are unknown; the displays keep what the rules made of the file.
     void loadMarksStatusUnknown()
     {
         std::fill(map->cfgImage, map->cfgImage + map->registerCount, 0xEE);
@@ -372,20 +300,15 @@ private slots:
         const QImage disabled = QPixmap(":/Bulb-disabled.png").toImage();
         int bulbs = 0, fields = 0;
         for (const part* p : main->outputs) {
-            if (auto* bulb = qobject_cast<QLabel*>(p->widget)) {
-                QCOMPARE(bulb->pixmap(Qt::ReturnByValue).toImage(), disabled);
-                ++bulbs;
-            } else if (!p->widget->objectName().endsWith("_Expression")) {
-                QCOMPARE(p->widget->property("text").toString(), QStringLiteral("n/a"));
-                ++fields;
-            }
+            const QString name = p->widget->objectName(), text = p->widget->property("text").toString();
+            if (auto* bulb = qobject_cast<QLabel*>(p->widget))
+                bulbs += bulb->pixmap(Qt::ReturnByValue).toImage() == disabled;
+            else if (!name.endsWith("_Expression"))
+                fields += text == "n/a";
+            else
+                QVERIFY2(text != "n/a" || unknownBefore.contains(name), qPrintable(name));
         }
-        QCOMPARE(bulbs, 32);
-        QCOMPARE(fields, 46);
-        // The displays keep what the rules made of the file's codes.
-        for (const part* p : main->outputs)
-            if (p->widget->objectName().endsWith("_Expression") && !unknownBefore.contains(p->widget->objectName()))
-                QVERIFY2(p->widget->property("text").toString() != "n/a", qPrintable(p->widget->objectName()));
+        QCOMPARE(QPair(bulbs, fields), QPair(32, 46));
     }
 
     // After a read that changed no register no widget fires, and yet every
@@ -395,16 +318,11 @@ private slots:
         read();
         QList<QLineEdit*> displays;
         for (const part* p : main->outputs)
-            if (p->widget->objectName().endsWith("_Expression")) {
-                displays << qobject_cast<QLineEdit*>(p->widget);
-                main->model()->setText(p->widget->objectName(), QString());
-            }
+            if (p->widget->objectName().endsWith("_Expression"))
+                displays << qobject_cast<QLineEdit*>(p->widget), main->model()->setText(p->widget->objectName(), QString());
         QCOMPARE(displays.size(), 103);
         QCOMPARE(read(), QStringList());
-        int filled = 0;
-        for (QLineEdit* d : displays)
-            filled += d->text().isEmpty() ? 0 : 1;
-        QCOMPARE(filled, 88);
+        QCOMPARE(int(std::count_if(displays.begin(), displays.end(), [](QLineEdit* d) { return !d->text().isEmpty(); })), 88);
     }
 
     void repeatRead()
@@ -433,9 +351,7 @@ private slots:
         QCOMPARE(main->operationsStarted, started);
         // Each read starts a pause after the end of the one before.
         QVERIFY(marks.size() >= 4);
-        QCOMPARE(marks.at(0).first, 0);
-        QCOMPARE(marks.at(1).first, 100);
-        QCOMPARE(marks.at(2).first, 0);
+        QCOMPARE(QList<int>({marks.at(0).first, marks.at(1).first, marks.at(2).first}), QList<int>({0, 100, 0}));
         QVERIFY2(marks.at(2).second - marks.at(1).second >= 900, qPrintable(QString::number(marks.at(2).second - marks.at(1).second)));
 
         // A failure ends it too, with the action unchecked.
@@ -478,8 +394,7 @@ private slots:
         action("action_GUIIC")->trigger();
         QTRY_VERIFY_WITH_TIMEOUT(boxSeen, 5000);
         QVERIFY(waitIdle(main));
-        QVERIFY(!startedBehind);
-        QVERIFY(!action("action_ICGUI")->isChecked());
+        QVERIFY(!startedBehind && !action("action_ICGUI")->isChecked());
     }
 
     void functionKeysInEveryWindow()

@@ -31,7 +31,7 @@ SLOWDOWN = float(os.environ.get("ZV_E2E_SLOWDOWN", "1"))
 
 
 def wait_for(what, condition, timeout=15.0, step=0.05):
-    """Polls condition() until it gives a true value, which is returned."""
+    # Polls condition() until it gives a true value, which is returned.
     timeout *= SLOWDOWN
     end = time.monotonic() + timeout
     last_error = None
@@ -54,19 +54,15 @@ def check(condition, message):
 
 
 def read_hex(path):
-    """Register number -> value of a .hex file; comment lines are skipped."""
-    values = {}
+    # Register number -> value of a .hex file; comment lines are skipped.
     with open(path, encoding="utf-8", errors="replace") as f:
-        for line in f:
-            m = re.match(r"\s*Reg(\d+)\s+([0-9A-Fa-f]+)", line)
-            if m:
-                values[int(m.group(1))] = int(m.group(2), 16) & 0xFF
-    return values
+        found = [re.match(r"\s*Reg(\d+)\s+([0-9A-Fa-f]+)", line) for line in f]
+    return {int(m.group(1)): int(m.group(2), 16) & 0xFF for m in found if m}
 
 
 def stop(proc, timeout=10):
-    """Ends a process started in a session of its own, with all that it
-    started in that session."""
+    # Ends a process started in a session of its own, with all that it
+    # started in that session.
     for sig in (signal.SIGTERM, signal.SIGKILL):
         if proc.poll() is not None:
             return
@@ -78,11 +74,11 @@ def stop(proc, timeout=10):
 
 
 class Desk:
-    """One virtual screen with a session bus and an accessibility bus.
-
-    The program's windows are found by title with xdotool, their widgets over
-    AT-SPI; input goes through the X server's test extension as a person's
-    keys and clicks would."""
+    # One virtual screen with a session bus and an accessibility bus.
+    #
+    # The program's windows are found by title with xdotool, their widgets over
+    # AT-SPI; input goes through the X server's test extension as a person's
+    # keys and clicks would.
 
     def __init__(self):
         self.tmp = tempfile.mkdtemp(prefix="zv-e2e-")
@@ -121,16 +117,8 @@ class Desk:
         self.procs.append(xvfb)
         # The server writes the number and then a newline; the pipe stays
         # open until both have come, else the server dies on the second write.
-        number = b""
-        end = time.monotonic() + 20
-        while not number.endswith(b"\n") and time.monotonic() < end:
-            if select.select([read_end], [], [], 1)[0]:
-                chunk = os.read(read_end, 32)
-                if not chunk:
-                    break
-                number += chunk
-        os.close(read_end)
-        number = number.decode().strip()
+        with os.fdopen(read_end, "rb") as pipe:
+            number = pipe.readline().decode().strip() if select.select([pipe], [], [], 20)[0] else ""
         check(number.isdigit(), "Xvfb did not start")
         self.env["DISPLAY"] = ":" + number
 
@@ -162,7 +150,7 @@ class Desk:
     # -- windows and input ---------------------------------------------------
 
     def windows(self, title):
-        """X window ids of the visible windows whose title matches (a regex)."""
+        # X window ids of the visible windows whose title matches (a regex).
         out = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], env=self.env,
                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
         return out.split()
@@ -185,16 +173,14 @@ class Desk:
         self.run(["xdotool", "mousemove", str(x), str(y), "click", str(button)])
 
     def close_window(self, wid):
-        """Asks a window to close, as a window manager's close button does
-        (WM_DELETE_WINDOW); there is no window manager on this screen."""
-        x11 = ctypes.cdll.LoadLibrary("libX11.so.6")
-        x11.XOpenDisplay.restype = ctypes.c_void_p
-        x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
-        x11.XInternAtom.restype = ctypes.c_ulong
-        x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
-        x11.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.c_void_p]
-        x11.XFlush.argtypes = [ctypes.c_void_p]
-        x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+        # Asks a window to close, as a window manager's close button does
+        # (WM_DELETE_WINDOW); there is no window manager on this screen.
+        x11, c = ctypes.cdll.LoadLibrary("libX11.so.6"), ctypes
+        for name, result, args in (("XOpenDisplay", c.c_void_p, [c.c_char_p]), ("XFlush", c.c_int, [c.c_void_p]),
+                                   ("XInternAtom", c.c_ulong, [c.c_void_p, c.c_char_p, c.c_int]),
+                                   ("XSendEvent", c.c_int, [c.c_void_p, c.c_ulong, c.c_int, c.c_long, c.c_void_p]),
+                                   ("XCloseDisplay", c.c_int, [c.c_void_p])):
+            getattr(x11, name).restype, getattr(x11, name).argtypes = result, args
 
         class ClientMessage(ctypes.Structure):
             _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
@@ -217,50 +203,38 @@ class Desk:
 
     # -- widgets over AT-SPI -------------------------------------------------
 
+    @staticmethod
+    def children(acc):
+        return [c for c in (acc.getChildAtIndex(i) for i in range(acc.childCount)) if c is not None]
+
     def app(self, name, timeout=15.0):
-        def find():
-            desktop = self.atspi.Registry.getDesktop(0)
-            for i in range(desktop.childCount):
-                a = desktop.getChildAtIndex(i)
-                if a is not None and a.name == name:
-                    return a
-            return None
-        return wait_for(f"the application {name} on the accessibility bus", find, timeout)
+        return wait_for(f"the application {name} on the accessibility bus", lambda: next(
+            (a for a in self.children(self.atspi.Registry.getDesktop(0)) if a.name == name), None), timeout)
 
     def top(self, app, title, timeout=15.0):
-        """The accessible of a top-level window of app by its title."""
-        def find():
-            for i in range(app.childCount):
-                w = app.getChildAtIndex(i)
-                if w is not None and w.name == title and self.showing(w):
-                    return w
-            return None
-        return wait_for(f'the window "{title}" over AT-SPI', find, timeout)
+        # The accessible of a top-level window of app by its title.
+        return wait_for(f'the window "{title}" over AT-SPI', lambda: next(
+            (w for w in self.children(app) if w.name == title and self.showing(w)), None), timeout)
 
     def showing(self, acc):
         return acc.getState().contains(self.atspi.STATE_SHOWING)
 
-    def find_all(self, root, match, showing_only=True):
-        found = []
-        stack = [root]
+    def find_all(self, root, match):
+        # Widgets under root, in order, that match() accepts; none is looked
+        # for under a widget not showing, nor in tables and lists, which hold
+        # one accessible a cell or an item (read them through their own
+        # interfaces instead).
+        found, stack = [], [root]
         while stack:
             acc = stack.pop()
-            if acc is None:
-                continue
             if match(acc):
                 found.append(acc)
-            if showing_only and acc is not root and not self.showing(acc):
-                continue
-            # Tables and lists hold one accessible a cell or an item: read
-            # them through their own interfaces instead.
-            if acc is not root and acc.getRoleName() in ("table", "list", "tree table"):
-                continue
-            for i in range(acc.childCount - 1, -1, -1):
-                stack.append(acc.getChildAtIndex(i))
+            if acc is root or (self.showing(acc) and acc.getRoleName() not in ("table", "list", "tree table")):
+                stack.extend(reversed(self.children(acc)))
         return found
 
     def find(self, root, what, match, timeout=10.0):
-        """The one showing widget under root that match() accepts."""
+        # The one showing widget under root that match() accepts.
         def one():
             hits = [a for a in self.find_all(root, match) if self.showing(a)]
             if len(hits) > 1:
@@ -269,7 +243,7 @@ class Desk:
         return wait_for(what, one, timeout)
 
     def field(self, root, role, tooltip):
-        """A field's widget by its kind and its tooltip (the register location)."""
+        # A field's widget by its kind and its tooltip (the register location).
         return self.find(root, f'the {role} of "{tooltip}"',
                          lambda a: a.getRoleName() == role and a.description == tooltip)
 
@@ -292,29 +266,18 @@ class Desk:
         self.click(box.x + box.width // 2, box.y + box.height // 2)
 
     def colour(self, acc, left=0.0, right=1.0):
-        """The mean colour of a widget as it stands on the screen, over the
-        share of its width from left to right."""
+        # The mean colour of a widget as it stands on the screen, over the
+        # share of its width from left to right.
         box = acc.queryComponent().getExtents(self.atspi.DESKTOP_COORDS)
-        ppm = subprocess.run(["import", "-window", "root", "-depth", "8", "ppm:-"], env=self.env,
-                             stdout=subprocess.PIPE, check=True).stdout
-        # P6 header: magic, width, height, maximum, then the RGB bytes.
-        fields = re.match(rb"P6\s+(\d+)\s+(\d+)\s+(\d+)\s", ppm)
-        width = int(fields.group(1))
-        pixels = ppm[fields.end():]
         x0, x1 = box.x + int(box.width * left), box.x + max(int(box.width * right), 1)
-        total = [0, 0, 0]
-        count = 0
-        for y in range(box.y, box.y + box.height):
-            for x in range(x0, x1):
-                at = 3 * (y * width + x)
-                for c in range(3):
-                    total[c] += pixels[at + c]
-                count += 1
-        return tuple(t // max(count, 1) for t in total)
+        ppm = subprocess.run(["import", "-window", "root", "-crop", f"{x1 - x0}x{box.height}+{x0}+{box.y}", "-depth", "8",
+                              "ppm:-"], env=self.env, stdout=subprocess.PIPE, check=True).stdout
+        pixels = re.match(rb"P6\s+\d+\s+\d+\s+\d+\s(.*)", ppm, re.S).group(1)  # header, then the RGB bytes
+        return tuple(sum(pixels[c::3]) // max(len(pixels) // 3, 1) for c in range(3))
 
 
 def colour_name(rgb):
-    """A colour as a person would call it, with a wide tolerance."""
+    # A colour as a person would call it, with a wide tolerance.
     r, g, b = rgb
     if r > 230 and g > 230 and b > 230:
         return "white"
@@ -330,11 +293,11 @@ def colour_name(rgb):
 
 
 class Program:
-    """The program on a simulated board, started by the launcher in a working
-    folder with the launcher's control pipe beside it."""
+    # The program on a simulated board, started by the launcher in a working
+    # folder with the launcher's control pipe beside it.
 
     def __init__(self, desk, command, workdir):
-        """command: the launcher and what it starts."""
+        # command: the launcher and what it starts.
         self.desk = desk
         self.workdir = workdir
         self.log = os.path.join(desk.tmp, "output.log")
@@ -355,18 +318,18 @@ class Program:
     # -- the simulated board -------------------------------------------------
 
     def board(self, command, answer):
-        """Sends a command to the launcher and waits for its answer."""
+        # Sends a command to the launcher and waits for its answer.
         seen = self.output().count("zvsim-launch: " + answer)
         with open(self.control, "w") as pipe:
             pipe.write(command + "\n")
         wait_for(f'the launcher to answer "{answer}"', lambda: self.output().count("zvsim-launch: " + answer) > seen)
 
     def set_register(self, reg, value):
-        """Sets a register of the simulated chip."""
+        # Sets a register of the simulated chip.
         self.board(f"set {reg} {value:02x}", f"register {reg} set")
 
     def chip(self):
-        """The registers the simulated chip holds now."""
+        # The registers the simulated chip holds now.
         path = os.path.join(self.desk.tmp, "chip.hex")
         if os.path.exists(path):
             os.remove(path)
@@ -380,44 +343,43 @@ class Program:
             return f.read()
 
     def check_quiet(self):
-        """Nothing on stdout and stderr but the launcher's answers: no Qt
-        warning ("QObject::connect: ...", "QWidget::...") among them."""
+        # Nothing on stdout and stderr but the launcher's answers: no Qt
+        # warning ("QObject::connect: ...", "QWidget::...") among them.
         lines = [line for line in self.output().splitlines() if line.strip() and not LAUNCHER_LINE.match(line)]
         check(not lines, "the program wrote on its output:\n  " + "\n  ".join(lines[:20]))
 
     def operations(self):
-        """(started, ended): the operations the program counts, as its main
-        window tells accessibility tools. One ends once its end message has
-        been dealt with, a failure's box closed."""
+        # (started, ended): the operations the program counts, as its main
+        # window tells accessibility tools. One ends once its end message has
+        # been dealt with, a failure's box closed.
         m = re.fullmatch(r"operations: (\d+) started, (\d+) ended", self.frame.description)
         check(m, f"the main window tells no count of operations: {self.frame.description!r}")
         return int(m.group(1)), int(m.group(2))
 
     def idle(self, timeout=30.0):
-        """Waits until every operation started has ended."""
+        # Waits until every operation started has ended.
         wait_for("the end of the running operation", lambda: len(set(self.operations())) == 1, timeout)
 
     @contextlib.contextmanager
     def operation(self, timeout=30.0):
-        """Around the steps that start one operation (a key, a file dialog
-        answered, a failure's box closed): waits for its end, with no other
-        one running."""
+        # Around the steps that start one operation (a key, a file dialog
+        # answered, a failure's box closed): waits for its end, with no other
+        # one running.
         ended = self.operations()[1]
         yield
         wait_for("the end of the operation", lambda: (lambda s, e: e > ended and s == e)(*self.operations()), timeout)
 
     def windows(self):
-        """The accessibles of the program's showing top-level windows."""
-        return [w for w in (self.app.getChildAtIndex(i) for i in range(self.app.childCount))
-                if w is not None and self.desk.showing(w)]
+        # The accessibles of the program's showing top-level windows.
+        return [w for w in self.desk.children(self.app) if self.desk.showing(w)]
 
     def boxes(self):
-        """The texts of the message boxes on screen."""
+        # The texts of the message boxes on screen.
         return [label.name for w in self.windows() if w.getRoleName() in ("alert", "dialog")
                 for label in self.desk.find_all(w, lambda a: a.getRoleName() == "label" and a.name)[:1]]
 
     def close_message(self, expected):
-        """Waits for the message box, checks its text and closes it with Enter."""
+        # Waits for the message box, checks its text and closes it with Enter.
         text = wait_for("a message box", self.boxes)[0]
         check(text == expected, f"the message reads {text!r}, not {expected!r}")
         self.desk.key("Return")

@@ -4,31 +4,7 @@
 
 #include "simulated_chip.h"
 #include "testbed.h"
-
-#include <QByteArray>
-#include <QList>
-#include <QString>
-
-#include <memory>
-#include <random>
-
-// The chip's registers as they stand.
-inline QByteArray chipRegisters(const zvsim::SimulatedChip& chip)
-{
-    QByteArray regs;
-    for (int r = 0; r < zvsim::SimulatedChip::kRegisters; ++r)
-        regs += char(chip.reg(r));
-    return regs;
-}
-
-// Ends a test's bus and tells what the program left open or claimed on it:
-// nothing when every open was closed and every claim released.
-inline QString closeBus(std::unique_ptr<zvsim::Testbed>& bus)
-{
-    const QString left = bus->unreleased();
-    bus.reset();
-    return left;
-}
+#include "testsupport.h"
 
 // The frames the host sent, in order.
 inline QList<QByteArray> sentFrames(const zvsim::Testbed& bus)
@@ -40,13 +16,27 @@ inline QList<QByteArray> sentFrames(const zvsim::Testbed& bus)
     return frames;
 }
 
-// Random contents for the registers the chip does not fill itself (identity,
-// temperature, channel B's lock bit); the C-divider (register 11) at 4 or
-// more, as its box cannot go lower.
-inline void fillChipAtRandom(zvsim::SimulatedChip& chip, std::mt19937& random)
+// A test's bus with one board on it, made anew for each test function.
+struct OnBoard
 {
-    for (int r = 6; r < zvsim::SimulatedChip::kRegisters; ++r)
-        if (r != 36)
-            chip.setReg(r, quint8(random()));
-    chip.setReg(11, quint8(4 + random() % 250));
-}
+    std::unique_ptr<zvsim::Testbed> bus;
+    int board = 0;
+    std::mt19937 random{4280};
+
+    void plugBoard() { bus.reset(new zvsim::Testbed), board = bus->addBoard(); }
+    // Ends the bus and tells what the program left open or claimed on it:
+    // nothing when every open was closed and every claim released.
+    QString unplugBus() { const QString left = bus->unreleased(); bus.reset(); return left; }
+    QByteArray chip(int b = -1) const { return bus->registers(b < 0 ? board : b); }
+    QList<QByteArray> sent() const { return sentFrames(*bus); }
+    // Random contents for the registers the chip does not fill itself
+    // (identity, temperature, channel B's lock bit); the C-divider (register
+    // 11) at 4 or more, as its box cannot go lower.
+    void fillChip()
+    {
+        for (int r = 6; r < zvsim::SimulatedChip::kRegisters; ++r)
+            if (r != 36)
+                bus->chip(board).setReg(r, quint8(random()));
+        bus->chip(board).setReg(11, quint8(4 + random() % 250));
+    }
+};

@@ -1,14 +1,8 @@
 #include "testsupport.h"
 
-#include "MainClass.h"
 #include "clerk.h"
 #include "resources_init.h"
 #include "translation.h"
-
-#include <QApplication>
-#include <QFile>
-#include <QMessageBox>
-#include <QTest>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -63,6 +57,13 @@ bool writeFile(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+}
+
+QStringList dataRows(const QString& name)
+{
+    QStringList rows = QString::fromUtf8(readFile(QStringLiteral(ZV_TEST_DATA "/") + name)).split('\n', Qt::SkipEmptyParts);
+    rows.erase(std::remove_if(rows.begin(), rows.end(), [](const QString& r) { return r.startsWith('#'); }), rows.end());
+    return rows;
 }
 
 QByteArray imageBytes(const unsigned char* image, int size)

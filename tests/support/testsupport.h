@@ -1,8 +1,18 @@
 #pragma once
 
-#include <QObject>
-#include <QStringList>
-#include <QTimer>
+// Helpers shared by the tests, and the headers nearly every test needs.
+
+#include "MainClass.h"
+#include "mapshow.h"
+#include "part.h"
+
+#include <QtTest>
+#include <QtWidgets>
+
+#include <memory>
+#include <random>
+
+class clerk;
 
 // Closes every modal message box that comes up while it lives and keeps the
 // texts, so that tests can run code that asks the user.
@@ -20,9 +30,6 @@ private slots:
 private:
     QTimer timer;
 };
-
-class MainClass;
-class clerk;
 
 // Runs a worker to its end, its messages arriving on this thread as the main
 // window receives them, and gives its end messages: exactly one when all is
@@ -42,6 +49,10 @@ bool writeFile(const QString& path, const QByteArray& bytes);
 // Writes of this process and its children past `bytes` of a file fail as
 // on a full disk (EFBIG); a negative count lifts the limit.
 void limitFileSize(qint64 bytes);
+
+// The rows of a file under tests/data: its lines but the empty ones and the
+// comments ("#").
+QStringList dataRows(const QString& name);
 
 // The bytes of a register image.
 QByteArray imageBytes(const unsigned char* image, int size = 291);

@@ -45,10 +45,11 @@ const QList<Command>& commands()
          "display are refused. Names may carry the chip word (ChA_PLL_RDiv_ZV4280v2) or not.\n"
          "JSON: {\"fields\": [{\"name\": \"ChA_PLL_RDiv\", \"code\": 13, \"text\": \"R-divider ratio:  13\",\n"
          "       \"location\": \"Reg21 <D4-D0>\"}], \"written\": [21]}  (\"written\" only with NAME=CODE)\n"},
-        {"fields", "fields [NAME...]", "every field: registers and bits, kind, codes", 0, -1, {},
+        {"fields", "fields [NAME...] [--match TEXT]", "every field: registers and bits, kind, codes", 0, -1, {"match"},
          "Lists every field of the chip, or the fields named: its registers and bits, its kind\n"
          "(check box, combo box, spin box; label and line edit only display), and the codes it\n"
-         "takes. Needs no board.\n"
+         "takes. Needs no board. --match lists the fields whose name, caption or location\n"
+         "(\"Reg21\", \"Reg21 <D4>\") holds TEXT, in any case, best hits first, as Ctrl+F finds them.\n"
          "JSON: {\"fields\": [{\"name\": \"TS_MD\", \"location\": \"Reg9 <D1>\", \"registers\": [9], \"width\": 1,\n"
          "       \"kind\": \"combobox\", \"editable\": true, \"inverted\": false, \"min\": 0, \"max\": 1,\n"
          "       \"items\": [\"single\", \"continuous\"]}]}  (\"items\" for combo boxes only; kind is one of\n"
@@ -85,6 +86,31 @@ const QList<Command>& commands()
          "-32004 busy, -32005 file error. \"data\" tells what was written, if anything.\n"
          "Example: echo '{\"jsonrpc\": \"2.0\", \"id\": 1, \"method\": \"registers.read\",\n"
          "         \"params\": {\"first\": 12, \"count\": 2}}' | zv4280ctl serve\n"},
+        {"diff", "diff A B", "two settings compared field by field", 2, 2, {},
+         "Compares two sources of register settings, each a .hex file or \"chip\" (read now), and\n"
+         "prints one line for each field whose code differs: name, location, caption, then code and\n"
+         "what the screens show on each side, separated by tabs. Fields that only display count too;\n"
+         "bits that no field covers are listed by register (name, \"Reg107\", 0x5F). A register\n"
+         "that a file leaves out is not compared. Exit status as diff's: 0 when equal, 1 when they\n"
+         "differ, 2 on bad input or a failed board.\n"
+         "JSON: {\"a\": \"x.hex\", \"b\": \"chip\", \"equal\": false, \"differences\": [{\"kind\": \"field\",\n"
+         "       \"name\": \"ChA_PLL_RDiv\", \"caption\": \"R-divider ratio\", \"location\": \"Reg21 <D4-D0>\",\n"
+         "       \"a\": {\"code\": 13, \"text\": \"13\"}, \"b\": {...}}]}  (kind \"register\" rows carry\n"
+         "       \"register\" instead of \"caption\")\n"},
+        {"export", "export --format c|csv|json [--source chip|FILE] [--changes-only [--base FILE]] [-o FILE]",
+         "register settings for firmware", 0, 0, {"format", "source", "changes-only", "base", "output"},
+         "Writes the register settings of the chip (registers 0 to 106, read now) or of a .hex file\n"
+         "(its writes in file order) for firmware, to FILE or stdout:\n"
+         "  c     a header: a comment with tool, version, date, source, register count and CRC-32,\n"
+         "        then static const struct { uint16_t reg; uint8_t value; } zv4280_settings[] in the\n"
+         "        order file to chip writes them; a pause (a map line or \"Reg-1\") is an entry\n"
+         "        { ZV4280_PAUSE, 0x00 }, ZV4280_PAUSE being 0xFFFF\n"
+         "  csv   register,name,value and one line a register, value as 0x5F\n"
+         "  json  {\"chip\", \"source\", \"created\", \"crc32\", \"registers\": [{\"register\", \"name\", \"value\"}]}\n"
+         "The CRC-32 (as zlib's) covers each register write as three bytes: register high byte,\n"
+         "register low byte, value. --changes-only keeps the registers whose value differs from the\n"
+         "base file (--base, by default \"default.hex\").\n"
+         "JSON (with -o): {\"file\", \"format\", \"source\", \"registers\": 107, \"crc32\": 305419896}\n"},
         {"help", "help [COMMAND]", "this help, or a command's", 0, 1, {}, ""},
     };
     return table;
@@ -114,8 +140,13 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     const QCommandLineOption baseOption(QStringLiteral("base"), QString(), QStringLiteral("FILE"));
     const QCommandLineOption pauseOption(QStringLiteral("pause"), QString(), QStringLiteral("MS"));
     const QCommandLineOption listenOption(QStringLiteral("listen"), QString(), QStringLiteral("PATH"));
+    const QCommandLineOption matchOption(QStringLiteral("match"), QString(), QStringLiteral("TEXT"));
+    const QCommandLineOption formatOption(QStringLiteral("format"), QString(), QStringLiteral("FORMAT"));
+    const QCommandLineOption sourceOption(QStringLiteral("source"), QString(), QStringLiteral("SOURCE"));
+    const QCommandLineOption outputOption(QStringList{QStringLiteral("o"), QStringLiteral("output")}, QString(),
+                                          QStringLiteral("FILE"));
     parser.addOptions({jsonOption, boardOption, calibrationOption, helpOption, styleOption, commentsOption, changesOption,
-                       baseOption, pauseOption, listenOption});
+                       baseOption, pauseOption, listenOption, matchOption, formatOption, sourceOption, outputOption});
     if (!parser.parse(programArguments)) {
         *error = parser.errorText();
         return false;
@@ -132,6 +163,10 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     base = parser.value(baseOption);
     pause = parser.value(pauseOption);
     listen = parser.value(listenOption);
+    match = parser.value(matchOption);
+    format = parser.value(formatOption);
+    source = parser.value(sourceOption);
+    output = parser.value(outputOption);
     if (arguments.isEmpty()) {
         if (help)
             return true;
@@ -158,7 +193,9 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
         return true;
 
     for (const QString& name : parser.optionNames()) {
-        const QString longName = name == QLatin1String("h") ? QStringLiteral("help") : name;
+        const QString longName = name == QLatin1String("h")   ? QStringLiteral("help")
+                                 : name == QLatin1String("o") ? QStringLiteral("output")
+                                                              : name;
         if (longName == QLatin1String("json") || longName == QLatin1String("board") ||
             longName == QLatin1String("calibration"))
             continue;
@@ -169,6 +206,10 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     }
     if (arguments.size() < c->fewest || (c->most >= 0 && arguments.size() > c->most)) {
         *error = QStringLiteral("usage: zv4280ctl %1").arg(QLatin1String(c->synopsis));
+        return false;
+    }
+    if (command == QLatin1String("export") && format.isEmpty()) {
+        *error = QStringLiteral("export needs --format c, csv or json");
         return false;
     }
     if (!base.isEmpty() && !changesOnly) {

@@ -20,6 +20,10 @@ public:
     QString base;           // save --base FILE
     QString pause;          // load --pause MS, as given
     QString listen;         // serve --listen PATH
+    QString match;          // fields --match TEXT
+    QString format;         // export --format c|csv|json
+    QString source;         // export --source chip|FILE
+    QString output;         // export -o FILE
 
     // Reads the arguments of the program (the program's name first); false
     // with a message on bad usage.

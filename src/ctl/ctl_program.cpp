@@ -5,6 +5,8 @@
 #include "ctl_options.h"
 #include "ctl_output.h"
 #include "ctl_session.h"
+#include "diff_command.h"
+#include "export_command.h"
 #include "field_commands.h"
 #include "file_commands.h"
 #include "register_commands.h"
@@ -68,7 +70,8 @@ int CtlProgram::run(const QStringList& programArguments)
     if (command == QLatin1String("fields")) { // the forms alone, no board
         CtlSession session{QString()};
         session.calibration = calibration;
-        return FieldCommands(session, out).list(args);
+        return options.match.isEmpty() ? FieldCommands(session, out).list(args)
+                                       : FieldCommands(session, out).match(options.match);
     }
 
     QString key;
@@ -95,6 +98,11 @@ int CtlProgram::run(const QStringList& programArguments)
         return files.load(args.at(0), options.pause);
     if (command == QLatin1String("serve"))
         return ServeCommand(session, out).run(options.listen);
+    if (command == QLatin1String("diff"))
+        return DiffCommand(session, out).run(args.at(0), args.at(1));
+    if (command == QLatin1String("export"))
+        return ExportCommand(session, out).run(options.format, options.source, options.changesOnly, options.base,
+                                               options.output);
     if (command == QLatin1String("save"))
         return files.save(args.at(0), options.comments, options.changesOnly, options.base);
     return out.fail(CtlExit::Usage, QStringLiteral("unknown command \"%1\"").arg(command));

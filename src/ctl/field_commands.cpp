@@ -6,6 +6,7 @@
 #include "ctl_options.h"
 #include "ctl_output.h"
 #include "ctl_session.h"
+#include "engine/field_search.h"
 #include "engine/form_model.h"
 #include "engine/register_images.h"
 #include "part.h"
@@ -145,6 +146,18 @@ void FieldCommands::report(const QList<CtlField>& fields, const QList<quint32>& 
         list.append(entry);
     }
     out.set(QStringLiteral("fields"), list);
+}
+
+int FieldCommands::match(const QString& text)
+{
+    QStringList names;
+    for (int f : FieldSearch::match(session.model().catalogue(), text))
+        names.append(session.model().entry(f).record.name);
+    if (names.isEmpty()) {
+        out.set(QStringLiteral("fields"), QJsonArray());
+        return out.done();
+    }
+    return list(names);
 }
 
 int FieldCommands::list(const QStringList& names)

@@ -18,6 +18,8 @@ public:
     int field(const QStringList& arguments);
     // "fields [NAME...]".
     int list(const QStringList& names);
+    // "fields --match TEXT": the fields the text finds, best first.
+    int match(const QString& text);
 
 private:
     int read(const QStringList& names);

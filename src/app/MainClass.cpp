@@ -1,6 +1,7 @@
 #include "MainClass.h"
 #include "ui_MainClass.h"
 
+#include "app/bench_menu.h"
 #include "app/form_binding.h"
 #include "engine/form_model.h"
 #include "mapshow.h"
@@ -66,6 +67,7 @@ MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, Start start, QWid
     scanWindows();
     setDefaultState();
     bindForms();
+    tools = new BenchMenu(*this);
     if (start == Start::LoadDefaults)
         on_action_load_default_triggered();
 }

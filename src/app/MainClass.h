@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class BenchMenu;
 class FormBinding;
 class FormModel;
 class QAction;
@@ -60,6 +61,8 @@ public:
     int operationsStarted = 0;
     int operationsEnded = 0;
     QProgressBar* progressBar = nullptr;
+    // Find a field, Compare and Export, with their keys.
+    BenchMenu* tools = nullptr;
 
     // The first register map, which all map-wide operations serve.
     mapshow* firstMap() const;

@@ -40,11 +40,15 @@ struct Scratch
         : images(c.chipName(), c.registerCount()), model(images)
     {
         model.setCalibration(calibration);
+        std::copy(image.cbegin(), image.cbegin() + int(images.registerCount), images.guiImage);
         model.push(reinterpret_cast<const quint8*>(image.constData()));
     }
     // What the screens show for a field, without its caption.
     QString text(int field, quint32 code) const
     {
+        // A spin box cannot show a code below its minimum: the code stands.
+        if (model.entry(field).kind == FieldKind::Spin && model.widgetValue(field) != qint64(code))
+            return QString::number(code);
         QString shown = CommentBuilder::fieldText(model, field, model.entry(field).record.position);
         const int colon = shown.indexOf(QLatin1String(": "));
         if (colon >= 0)

@@ -1,4 +1,7 @@
+#include "bench_menu.h"
 #include "catalogue.h"
+#include "field_finder.h"
+#include "field_search.h"
 #include "testsupport.h"
 #include "ui_MainClass.h"
 #include "windows.h"
@@ -219,6 +222,30 @@ private slots:
                 button->click();
                 QCOMPARE(main->windows.value(name)->isVisible(), open);
             }
+        }
+    }
+
+    // Ctrl+F: hits by name, caption or location, best first; choosing one brings it before the user,
+    // on a tab not shown or in an expert window still closed.
+    void findField()
+    {
+        auto hits = [this](const QString& text) {
+            QStringList names;
+            for (int f : FieldSearch::match(catalogue, text))
+                names << FieldSearch::shortName(catalogue.fields().at(f));
+            return names.join(' ');
+        };
+        QVERIFY(hits("").isEmpty());
+        QCOMPARE(hits("reg21 <d4>"), "ChA_PLL_RDiv");
+        QVERIFY(hits("R-DIVIDER RATIO").startsWith("ChA_PLL_RDiv ChB_PLL_RDiv ChC_PLL_RDiv"));
+        QVERIFY(hits("chd lna_s").startsWith("ChD_LNA_S_EN"));
+        for (const QString name : {"ZV_ChB_PLL_RDiv_ZV4280v2_347_5", "ZV_ChD_LNA_S_EN_ZV4280v2_1827_1"}) {
+            QWidget* w = main->findWidget(name);
+            QVERIFY2(w && !w->isVisible(), qPrintable(name));
+            QVERIFY(main->tools->finder->go(catalogue.indexOf(catalogue.fieldByObjectName(name)->record.name)));
+            QVERIFY(w->isVisible() && w->window()->focusWidget() == w && w->property("findMark").toBool());
+            QTRY_VERIFY(!w->property("findMark").toBool());
+            w->window()->hide();
         }
     }
 };

@@ -461,6 +461,38 @@ private slots:
                                     "Reg58\t20"}));
         QVERIFY(written().isEmpty());
     }
+
+    // diff in field terms with diff's exit status, a file's missing registers not compared; export of
+    // a file for firmware, its pauses kept; the fields Ctrl+F finds.
+    void diffExportMatch()
+    {
+        write(path("a.hex"), ";ZV4280\nReg21\t0D\nReg110\t00\n");
+        write(path("b.hex"), ";ZV4280\nReg21\t2F\nReg110\t00\n;ZV4280\nReg9\t01\n");
+        bus->chip(board).setReg(21, 0x0D);
+        const Run same = ctl({"diff", path("a.hex"), "chip"});
+        QVERIFY(same.as(same.exit == 0 && same.out.isEmpty()));
+        const Run text = ctl({"diff", path("a.hex"), path("b.hex")});
+        QVERIFY(text.as(text.exit == 1));
+        QCOMPARE(text.out, "ChA_PLL_RDiv\tReg21 <D4-D0>\tR-divider ratio\t13\t13\t15\t15\n"
+                           "ChA_RDIV\tReg21\t\t13\t0x0D\t47\t0x2F\n");
+        const Run json = ctl({"--json", "diff", path("b.hex"), path("a.hex")});
+        QCOMPARE(json.json().value("differences").toArray().size(), 2);
+        QCOMPARE(json.json().value("equal").toBool(), false);
+
+        const Run c = ctl({"--json", "export", "--format", "c", "--source", path("b.hex"), "-o", path("b.h")});
+        QVERIFY(done(c, true));
+        QCOMPARE(c.json().value("registers").toInt(), 3);
+        const QByteArray header = readFile(path("b.h"));
+        QVERIFY(header.contains("{ ZV4280_PAUSE, 0x00 }, /* pause */\n    {  21, 0x2F }, /* ChA_RDIV */\n    { 110, 0x00 }"));
+        QCOMPARE(header.count("ZV4280_PAUSE, 0x00"), 2);
+        const Run csv = ctl({"export", "--format", "csv"});
+        QVERIFY(done(csv, false));
+        QCOMPARE(csv.out.count('\n'), 1 + 107);
+        QVERIFY(csv.out.contains("\n21,ChA_RDIV,0x0D\n"));
+
+        QVERIFY(ctl({"fields", "--match", "reg21 <d4>"}).out.startsWith("ChA_PLL_RDiv\tReg21 <D4-D0>\tspin box"));
+        QCOMPARE(ctl({"fields", "--match", "no such field"}).out, QByteArray());
+    }
 };
 
 QTEST_MAIN(tst_ctl)

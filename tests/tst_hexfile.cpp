@@ -1,8 +1,10 @@
 #include "engine/form_model.h"
+#include "firmware_export.h"
 #include "gui_save.h"
 #include "hex_format.h"
 #include "hex_reader.h"
 #include "hex_writer.h"
+#include "register_names.h"
 #include "save_filter.h"
 #include "testsupport.h"
 
@@ -273,6 +275,36 @@ private slots:
         QCOMPARE(readFile(oldFile), old);
         QCOMPARE(QDir(path("keep")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), QStringList({"old.hex", "taken.hex"}));
         QVERIFY(QFileInfo(path("keep/taken.hex")).isDir());
+    }
+
+    // The exports for firmware: zlib's CRC-32 over the register writes, pauses left out; the C header
+    // compiles as C99 with every warning an error, alone and used; a changes-only export keeps a pause
+    // only before a register that stays.
+    void firmwareExport()
+    {
+        QCOMPARE(FirmwareExport::crc32("123456789"), 0xCBF43926u);
+        const QVector<HexEntries::Entry> entries{{}, {21, 0x2F}, {9, 0x05}, {}, {290, 0xFF}};
+        QCOMPARE(FirmwareExport::writtenPairs(entries), QByteArray::fromHex("00152F0009050122FF"));
+        QCOMPARE(HexEntries::changesFrom(entries, QByteArray(291, 0x05)),
+                 (QVector<HexEntries::Entry>{{}, {21, 0x2F}, {}, {290, 0xFF}}));
+        FirmwareExport::Header header;
+        header.source = "odd */ name.hex";
+        const QString c = FirmwareExport::text(FirmwareExport::Format::C, entries, header);
+        QVERIFY(writeFile(path("zv.h"), c.toUtf8()));
+        QVERIFY(writeFile(path("main.c"), "#include \"zv.h\"\nint main(void) { return zv4280_settings_count() == 5 &&"
+                                          " zv4280_settings[0].reg == ZV4280_PAUSE && zv4280_settings[4].value == 0xFF"
+                                          " && ZV4280_SETTINGS_CRC32 == " + QByteArray::number(FirmwareExport::crc32(
+                                              FirmwareExport::writtenPairs(entries))) + "u ? 0 : 1; }\n"));
+        QCOMPARE(QProcess::execute("cc", {"-std=c99", "-Wall", "-Werror", "-x", "c", "-c", path("zv.h"), "-o", path("zv.o")}), 0);
+        QCOMPARE(QProcess::execute("cc", {"-std=c99", "-Wall", "-Werror", path("main.c"), "-o", path("main")}), 0);
+        QCOMPARE(QProcess::execute(path("main"), {}), 0);
+        const QStringList csv = FirmwareExport::text(FirmwareExport::Format::Csv, entries, header).split('\n');
+        QCOMPARE(csv.mid(0, 2), (QStringList{"register,name,value", "21," + registerNames.at(21) + ",0x2F"}));
+        QCOMPARE(csv.size(), 5);
+        const QJsonObject json = QJsonDocument::fromJson(FirmwareExport::text(FirmwareExport::Format::Json, entries,
+                                                                              header).toUtf8()).object();
+        QCOMPARE(json.value("crc32").toDouble(), double(FirmwareExport::crc32(FirmwareExport::writtenPairs(entries))));
+        QCOMPARE(json.value("registers").toArray().size(), 3);
     }
 };
 

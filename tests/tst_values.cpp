@@ -1,4 +1,5 @@
 #include "engine/form_model.h"
+#include "engine/image_compare.h"
 #include "tables.h"
 #include "values/calibration.h"
 #include "testsupport.h"
@@ -285,6 +286,26 @@ private slots:
         stray.setValue(5);
         QCOMPARE(catcher.texts, QStringList({"Невозможное событие!"}));
         QVERIFY(state() == after);
+    }
+
+    // Two images in field terms: a changed field, one that only displays, bits no field covers as their
+    // register; a register one side does not know is left out; the forms shown stay as they are.
+    void compareImages()
+    {
+        const QByteArray forms(reinterpret_cast<const char*>(map->guiImage), int(map->registerCount));
+        QByteArray a(int(map->registerCount), 0), b = a;
+        b[21] = char(0x8F), b[2] = 0x08, b[11] = 0x02; // a C-divider below its box's minimum shows as it is
+        QStringList rows;
+        for (const ImageDifference& d : ImageCompare::compare(a, b, main->model()->calibration()))
+            rows << QStringList{d.name, d.caption, d.location, QString::number(d.codeA), d.textA,
+                                QString::number(d.codeB), d.textB}.join('|');
+        QCOMPARE(rows, (QStringList{"ChA_AOK||Reg2 <D3>|0|0|1|1", "PLL_CDiv|C-divider ratio|Reg11 <D7-D0>|0|0|2|2",
+                                    "ChA_PLL_RDiv|R-divider ratio|Reg21 <D4-D0>|0|0|15|15",
+                                    "ChA_RDIV||Reg21|0|0x00|143|0x8F"}));
+        QVector<bool> known(a.size(), true);
+        known[21] = false;
+        QCOMPARE(ImageCompare::compare(a, b, main->model()->calibration(), known).size(), 2);
+        QCOMPARE(QByteArray(reinterpret_cast<const char*>(map->guiImage), int(map->registerCount)), forms);
     }
 };
 

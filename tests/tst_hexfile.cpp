@@ -291,7 +291,7 @@ private slots:
         header.source = "odd */ name.hex";
         const QString c = FirmwareExport::text(FirmwareExport::Format::C, entries, header);
         QVERIFY(writeFile(path("zv.h"), c.toUtf8()));
-        QVERIFY(writeFile(path("main.c"), "#include \"zv.h\"\nint main(void) { return zv4280_settings_count() == 5 &&"
+        QVERIFY(writeFile(path("main.c"), "#include \"zv.h\"\nint main(void) { return ZV4280_SETTINGS_COUNT == 5 &&"
                                           " zv4280_settings[0].reg == ZV4280_PAUSE && zv4280_settings[4].value == 0xFF"
                                           " && ZV4280_SETTINGS_CRC32 == " + QByteArray::number(FirmwareExport::crc32(
                                               FirmwareExport::writtenPairs(entries))) + "u ? 0 : 1; }\n"));

@@ -76,8 +76,17 @@ QString cText(const QVector<HexEntries::Entry>& entries, const FirmwareExport::H
         "\n"
         "#define ZV4280_PAUSE 0xFFFFu\n"
         "#define ZV4280_SETTINGS_CRC32 %1u\n"
+        "#define ZV4280_SETTINGS_COUNT (sizeof zv4280_settings / sizeof zv4280_settings[0])\n"
         "\n"
-        "static const struct { uint16_t reg; uint8_t value; } zv4280_settings[] = {\n")
+        "/* A file that includes this header and leaves the table unused compiles\n"
+        " * without a warning. */\n"
+        "#if defined(__GNUC__) || defined(__clang__)\n"
+        "#define ZV4280_UNUSED __attribute__((unused))\n"
+        "#else\n"
+        "#define ZV4280_UNUSED\n"
+        "#endif\n"
+        "\n"
+        "static const struct { uint16_t reg; uint8_t value; } zv4280_settings[] ZV4280_UNUSED = {\n")
              .arg(crcText(crc));
     if (entries.isEmpty())
         t += QStringLiteral("    { ZV4280_PAUSE, 0x00 }, /* nothing to write */\n");
@@ -91,12 +100,6 @@ QString cText(const QVector<HexEntries::Entry>& entries, const FirmwareExport::H
     }
     t += QStringLiteral(
         "};\n"
-        "\n"
-        "/* The number of entries of zv4280_settings[]. */\n"
-        "static inline unsigned zv4280_settings_count(void)\n"
-        "{\n"
-        "    return (unsigned)(sizeof zv4280_settings / sizeof zv4280_settings[0]);\n"
-        "}\n"
         "\n"
         "#endif /* ZV4280_SETTINGS_H */\n");
     return t;

@@ -5,10 +5,11 @@
 #include "ctl_options.h"
 #include "ctl_output.h"
 #include "ctl_session.h"
-#include "hex_format.h"
+#include "hex_entries.h"
 #include "hex_reader.h"
 #include "engine/register_images.h"
 
+#include <algorithm>
 #include <cstring>
 
 FileCommands::FileCommands(CtlSession& s, CtlOutput& o) : session(s), out(o) {}
@@ -25,41 +26,14 @@ int FileCommands::boardFailure(const QString& what)
 // register line at least is there.
 int FileCommands::checkLoad(const QString& file, int* status)
 {
-    QStringList lines;
+    const RegisterImages& map = session.images();
+    QVector<HexEntries::Entry> entries;
     QString refusal;
-    if (!HexReader::readLines(file, &lines, &refusal)) {
-        *status = out.fail(CtlExit::Usage, refusal.isEmpty() ? QStringLiteral("cannot read \"%1\"").arg(file) : refusal);
+    if (!HexEntries::read(file, map.chipName, map.registerCount, &entries, &refusal)) {
+        *status = out.fail(CtlExit::Usage, refusal);
         return -1;
     }
-    const RegisterImages& map = session.images();
-    int registers = 0;
-    for (int i = 0; i < lines.size(); ++i) {
-        const QString& line = lines.at(i);
-        switch (HexFormat::classify(line)) {
-        case HexFormat::LineKind::Map: {
-            const QString name = HexFormat::loadedMapName(line);
-            if (name != map.chipName) {
-                *status = out.fail(CtlExit::Usage, HexFormat::refusedLine(file, i + 1, line,
-                                                                          QStringLiteral("the map \"%1\" is not this chip's; a saved file names it \"%2\"")
-                                                                              .arg(HexFormat::mapName(line), HexFormat::mapLine(map.chipName))));
-                return -1;
-            }
-            break;
-        }
-        case HexFormat::LineKind::Register: {
-            const QString fault = HexFormat::chipLineFault(line, int(map.registerCount));
-            if (!fault.isEmpty()) {
-                *status = out.fail(CtlExit::Usage, HexFormat::refusedLine(file, i + 1, line, fault));
-                return -1;
-            }
-            registers += HexFormat::readRegister(line)->number >= 0 ? 1 : 0; // -1 is a pause
-            break;
-        }
-        case HexFormat::LineKind::Other:
-            break;
-        }
-    }
-    return registers;
+    return int(std::count_if(entries.cbegin(), entries.cend(), [](const HexEntries::Entry& e) { return !e.isPause(); }));
 }
 
 int FileCommands::load(const QString& file, const QString& pause)

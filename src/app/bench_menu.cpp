@@ -30,8 +30,9 @@ BenchMenu::BenchMenu(MainClass& mainWindow) : QObject(&mainWindow), main(mainWin
     connect(findAction, &QAction::triggered, finder, &FieldFinder::open);
     connect(compareAction, &QAction::triggered, this, &BenchMenu::openCompare);
     connect(exportAction, &QAction::triggered, this, &BenchMenu::openExport);
+    // On the toolbar after the service panel's button, before the progress bar.
     if (auto* bar = main.findChild<QToolBar*>(QStringLiteral("toolBar_RegWindow")))
-        bar->insertAction(bar->actions().value(0), compareAction);
+        bar->insertAction(bar->actions().isEmpty() ? nullptr : bar->actions().last(), compareAction);
     const bool forms = main.model() != nullptr;
     compareAction->setEnabled(forms);
     exportAction->setEnabled(forms);

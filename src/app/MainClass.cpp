@@ -2,6 +2,8 @@
 #include "ui_MainClass.h"
 
 #include "app/form_binding.h"
+#include "app/undo_actions.h"
+#include "app/usb_log_dock.h"
 #include "engine/form_model.h"
 #include "mapshow.h"
 #include "part.h"
@@ -66,8 +68,11 @@ MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, Start start, QWid
     scanWindows();
     setDefaultState();
     bindForms();
+    usbLog = new UsbLogDock(*service->usb, *this);
     if (start == Start::LoadDefaults)
         on_action_load_default_triggered();
+    if (undoActions)
+        undoActions->forgetOperation(); // the start is no step to undo
 }
 
 MainClass::~MainClass()
@@ -80,6 +85,7 @@ MainClass::~MainClass()
         while (worker && !worker->wait(5))
             QCoreApplication::processEvents();
     }
+    undoActions.reset();
     binding.reset();
     delete ui;
 }
@@ -287,6 +293,7 @@ void MainClass::bindForms()
     formModel = std::make_unique<FormModel>(map->images);
     binding = std::make_unique<FormBinding>(*formModel, byName);
     binding->showAll();
+    undoActions = std::make_unique<UndoActions>(*formModel, *this);
 }
 
 // The slot behind every editing widget: the change goes to the form model,
@@ -306,7 +313,7 @@ void MainClass::change_Value(int val)
         return;
     const int field = formModel && &formModel->images() == &map->images ? formModel->indexOf(p->name) : -1;
     if (field >= 0 && formModel->entry(field).objectName == s->objectName())
-        formModel->widgetChanged(field, val);
+        undoActions->history().edit(field, val);
     else
         map->applyPartToImage(p->name);
 }

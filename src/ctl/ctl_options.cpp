@@ -114,8 +114,9 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     const QCommandLineOption baseOption(QStringLiteral("base"), QString(), QStringLiteral("FILE"));
     const QCommandLineOption pauseOption(QStringLiteral("pause"), QString(), QStringLiteral("MS"));
     const QCommandLineOption listenOption(QStringLiteral("listen"), QString(), QStringLiteral("PATH"));
+    const QCommandLineOption traceOption(QStringLiteral("trace"));
     parser.addOptions({jsonOption, boardOption, calibrationOption, helpOption, styleOption, commentsOption, changesOption,
-                       baseOption, pauseOption, listenOption});
+                       baseOption, pauseOption, listenOption, traceOption});
     if (!parser.parse(programArguments)) {
         *error = parser.errorText();
         return false;
@@ -132,6 +133,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     base = parser.value(baseOption);
     pause = parser.value(pauseOption);
     listen = parser.value(listenOption);
+    trace = parser.isSet(traceOption);
     if (arguments.isEmpty()) {
         if (help)
             return true;
@@ -160,7 +162,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     for (const QString& name : parser.optionNames()) {
         const QString longName = name == QLatin1String("h") ? QStringLiteral("help") : name;
         if (longName == QLatin1String("json") || longName == QLatin1String("board") ||
-            longName == QLatin1String("calibration"))
+            longName == QLatin1String("calibration") || longName == QLatin1String("trace"))
             continue;
         if (!c->options.contains(longName)) {
             *error = QStringLiteral("%1 takes no option --%2 (usage: zv4280ctl %3)").arg(command, longName, QLatin1String(c->synopsis));
@@ -199,6 +201,8 @@ QString CtlOptions::programHelp()
         "                       them (zv4280ctl devices); by default the only board on the bus\n"
         "  --calibration FILE   measured calibration tables, lines \"table,index,value\" after that\n"
         "                       header; by default calibration.csv in the current folder, if any\n"
+        "  --trace              every frame to and from the board on standard error, one line each:\n"
+        "                       time, direction (out, in), bytes, meaning\n"
         "  -h, --help           this help; zv4280ctl COMMAND --help for a command\n"
         "\n"
         "Registers are 0 to 290. Numbers are decimal, or hexadecimal behind 0x.\n"

@@ -31,9 +31,9 @@ public:
     // The forms now show what an operation brought (a read or a load is a
     // step; anything else changed no image).
     void operationShown(clerk::Command command);
-    // The operation started last is no step (the start-up load): what it
-    // shows starts the history.
-    void forgetOperation() { forget = true; }
+    // The operation started last, if any, is no step (the start-up load):
+    // what it shows starts the history.
+    void forgetOperation() { forget = pending; }
 
 protected:
     // A spin box would take Ctrl+Z for its own text; the forms' undo goes

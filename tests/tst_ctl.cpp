@@ -132,6 +132,13 @@ private slots:
     {
         bus->chip(board).setReg(12, 0x5A);
         QCOMPARE(ctl({"get", "12"}).out, QByteArray("0x5a\n"));
+        // --trace: each frame and its reply on stderr, as the GUI's USB log shows them.
+        const Run traced = ctl({"--trace", "get", "12"});
+        QCOMPARE(traced.out, QByteArray("0x5a\n"));
+        const QString time = "\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d ";
+        QVERIFY2(QRegularExpression("^" + time + "out 15 03 80 0C 00  read reg 12\n" + time
+                                    + "in  15 03 80 0C 5A  read reg 12 = 0x5A\n$").match(QString::fromLatin1(traced.err)).hasMatch(),
+                 traced.err.constData());
         const Run get = ctl({"get", "12"}, true);
         QVERIFY(done(get, true));
         QCOMPARE(get.json().toVariantMap(), (QVariantMap{{"command", "get"}, {"ok", true}, {"register", 12},

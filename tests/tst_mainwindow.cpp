@@ -1,4 +1,7 @@
+#include "app/usb_log_dock.h"
 #include "testsupport.h"
+
+#include <thread>
 
 // The real main window, built offscreen with the embedded translation.
 class tst_mainwindow : public QObject
@@ -29,6 +32,29 @@ private slots:
             QVERIFY2(a->isCheckable() == (a->objectName() == "action_ICGUI"), qPrintable(a->objectName()));
         QCOMPARE(main->windows.keys(), QStringList({"GrAllSS", "GrGenServ", "GrSChA", "GrSChB", "GrSChC", "GrSChD",
             "ZV4280v2", "dockA", "dockB", "dockC", "dockD", "dockMain", "mainWindow", "service"}));
+    }
+
+    // The USB log takes frames from any thread while closed, shows them when
+    // opened, filters them by register (number or name) and saves what shows.
+    void usbLog()
+    {
+        UsbLogDock* dock = main->usbLog;
+        QVERIFY(dock->isHidden());
+        main->show();
+        const quint8 read21[] = {0x15, 0x03, 0x80, 0x15, 0x00}, write12[] = {0x15, 0x03, 0x00, 0x0C, 0x5A};
+        std::thread([&] { dock->frames().frame(0, true, read21, 5), dock->frames().frame(0, true, write12, 5); }).join();
+        main->findChild<QAction*>("usbLogToggle")->trigger();
+        auto* list = dock->findChild<QPlainTextEdit*>("usbLogList");
+        QCOMPARE(list->blockCount(), 2);
+        for (const char* filter : {"ChA_RDIV", "0x15", "reg21"}) {
+            dock->setFilter(filter);
+            QVERIFY2(list->toPlainText().endsWith("read reg 21") && list->blockCount() == 1, filter);
+        }
+        QTemporaryDir dir;
+        QCOMPARE(dock->save(dir.filePath("log.txt")), QString());
+        QFile saved(dir.filePath("log.txt"));
+        QVERIFY(saved.open(QIODevice::ReadOnly));
+        QCOMPARE(saved.readAll(), list->toPlainText().toUtf8() + "\n");
     }
 
     // Closing the main window closes the panel, the docks, the map and the expert windows with it.

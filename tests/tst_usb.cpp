@@ -1,4 +1,6 @@
 #include "boardsupport.h"
+#include "frame_decoder.h"
+#include "frame_log.h"
 #include "usb_link.h"
 
 // What the test board holds in register r; 0 beyond the chip's registers.
@@ -71,8 +73,18 @@ private slots:
         for (int r = 0; r < 291; ++r)
             if (!chipOwned(r))
                 bus->chip(0).setReg(r, pattern(r));
+        FrameLog log;
+        link->setFrameObserver(&log);
         QVERIFY(run(op, first, count));
         const QList<QByteArray> out = sentFrames(*bus);
+        // The log hears each frame and its reply.
+        const QVector<FrameLog::Entry> heard = log.since(0);
+        QCOMPARE(heard.size(), 2 * out.size());
+        QCOMPARE(heard.value(0).bytes, out.value(0));
+        if (!f.value(7).isEmpty())
+            QCOMPARE(FrameDecoder::meaning(heard[0].bytes), f[7]);
+        if (!f.value(8).isEmpty())
+            QCOMPARE(FrameDecoder::meaning(heard[1].bytes, heard[1].request), f[8]);
         QStringList lengths;
         for (const QByteArray& frame : out)
             lengths << QString::number(frame.size());

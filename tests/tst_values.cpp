@@ -1,3 +1,4 @@
+#include "app/undo_actions.h"
 #include "engine/form_model.h"
 #include "engine/image_compare.h"
 #include "tables.h"
@@ -306,6 +307,45 @@ private slots:
         known[21] = false;
         QCOMPARE(ImageCompare::compare(a, b, main->model()->calibration(), known).size(), 2);
         QCOMPARE(QByteArray(reinterpret_cast<const char*>(map->guiImage), int(map->registerCount)), forms);
+    }
+
+    // A hand edit is one step with what its rules change (keys typed into a
+    // spin box are one edit), a load another; Ctrl+Z and Ctrl+Shift+Z, even
+    // in a spin box, show the images again through the rules and start no
+    // operation, so the chip is never written.
+    void undoRedo()
+    {
+        QAction* undo = main->undo()->undoAction();
+        auto image = [this] { return QByteArray(reinterpret_cast<const char*>(map->guiImage), int(map->registerCount)); };
+        auto lnaOpen = [this] { return static_cast<QWidget*>(widget("ChA_LNA_ON"))->isEnabled(); };
+        auto* spin = qobject_cast<QSpinBox*>(widget("ChA_PLL_RDiv"));
+        spin->window()->show();
+        QApplication::setActiveWindow(spin->window());
+        set("ChA_AAD_ON=0;ChA_LNA_ON=1;ChA_AAD_LNA_SW=1;ChA_AAD_ON=1;ChA_PLL_DIV_MD=0;ChA_PLL_RDiv=5");
+        const QByteArray before = image();
+        const QString display = shown("ChA_PLL_RDiv");
+        const int started = main->operationsStarted;
+        set("ChA_AAD_ON=0");
+        QVERIFY(lnaOpen());
+        spin->selectAll();
+        QTest::keyClicks(spin, "12");
+        QCOMPARE(undo->text(), QStringLiteral("Undo ChA_PLL_RDiv"));
+        QTest::keyClick(spin, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(shown("ChA_PLL_RDiv"), display);
+        QCOMPARE(undo->text(), QStringLiteral("Undo ChA_AAD_ON"));
+        QTest::keyClick(spin, Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(!lnaOpen());
+        QCOMPARE(image(), before);
+        QTest::keyClick(spin, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QVERIFY(lnaOpen());
+        const QByteArray edited = image();
+        main->on_action_load_default_triggered();
+        QVERIFY(waitIdle(main));
+        QVERIFY(image() != edited);
+        QCOMPARE(undo->text(), QStringLiteral("Undo load of default.hex"));
+        undo->trigger();
+        QCOMPARE(image(), edited);
+        QCOMPARE(main->operationsStarted, started + 1);
     }
 };
 

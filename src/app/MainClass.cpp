@@ -3,6 +3,8 @@
 
 #include "app/bench_menu.h"
 #include "app/form_binding.h"
+#include "app/undo_actions.h"
+#include "app/usb_log_dock.h"
 #include "engine/form_model.h"
 #include "mapshow.h"
 #include "part.h"
@@ -68,8 +70,11 @@ MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, Start start, QWid
     setDefaultState();
     bindForms();
     tools = new BenchMenu(*this);
+    usbLog = new UsbLogDock(*service->usb, *this);
     if (start == Start::LoadDefaults)
         on_action_load_default_triggered();
+    if (undoActions)
+        undoActions->forgetOperation(); // the start is no step to undo
 }
 
 MainClass::~MainClass()
@@ -82,6 +87,7 @@ MainClass::~MainClass()
         while (worker && !worker->wait(5))
             QCoreApplication::processEvents();
     }
+    undoActions.reset();
     binding.reset();
     delete ui;
 }
@@ -289,6 +295,7 @@ void MainClass::bindForms()
     formModel = std::make_unique<FormModel>(map->images);
     binding = std::make_unique<FormBinding>(*formModel, byName);
     binding->showAll();
+    undoActions = std::make_unique<UndoActions>(*formModel, *this);
 }
 
 // The slot behind every editing widget: the change goes to the form model,
@@ -308,7 +315,7 @@ void MainClass::change_Value(int val)
         return;
     const int field = formModel && &formModel->images() == &map->images ? formModel->indexOf(p->name) : -1;
     if (field >= 0 && formModel->entry(field).objectName == s->objectName())
-        formModel->widgetChanged(field, val);
+        undoActions->history().edit(field, val);
     else
         map->applyPartToImage(p->name);
 }

@@ -14,6 +14,8 @@ class FormBinding;
 class FormModel;
 class QAction;
 class QProgressBar;
+class UndoActions;
+class UsbLogDock;
 class mapshow;
 class service_block;
 struct part;
@@ -70,6 +72,10 @@ public:
     // through; the widgets follow it. Null when the windows are not this
     // chip's forms (a test's own windows): edits then only reach the image.
     FormModel* model() const { return formModel.get(); }
+    // Undo and redo of the forms (null with a test's own windows), and the
+    // log of the frames on the wire.
+    UndoActions* undo() const { return undoActions.get(); }
+    UsbLogDock* usbLog = nullptr;
     // Measured calibration tables for the displays, from the file given or
     // the start folder's "calibration.csv"; a faulty file is told of in a
     // message box and the tables stay as they were.
@@ -128,6 +134,7 @@ private:
     Ui::MainClass* ui;
     std::unique_ptr<FormModel> formModel;
     std::unique_ptr<FormBinding> binding;
+    std::unique_ptr<UndoActions> undoActions;
 };
 
 // The window title after a load of the defaults or of a file.

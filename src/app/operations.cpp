@@ -4,6 +4,8 @@
 #include "MainClass.h"
 #include "ui_MainClass.h"
 
+#include "app/undo_actions.h"
+
 #include "clerk.h"
 #include "engine/form_model.h"
 #include "mapshow.h"
@@ -65,6 +67,8 @@ void MainClass::startOperation(Command command, const QString& fileName)
     runningCommand = command;
     ++operationsStarted;
     showOperationCount();
+    if (undoActions)
+        undoActions->operationStarted(fileName);
     worker = newWorker(command, service->panelSettings(), fileName);
     connect(worker, &clerk::percent_up, progressBar, &QProgressBar::setValue);
     connect(worker, &clerk::error_mess, this, &MainClass::error_message);
@@ -229,6 +233,8 @@ void MainClass::showOperationResult(Command command)
         formModel->markChipOnly();
     else
         formModel->fireDisplays();
+    if (undoActions)
+        undoActions->operationShown(command);
 }
 
 // Shows guiImage in every widget, in key order, from a copy of the image as

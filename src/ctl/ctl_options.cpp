@@ -145,8 +145,10 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     const QCommandLineOption sourceOption(QStringLiteral("source"), QString(), QStringLiteral("SOURCE"));
     const QCommandLineOption outputOption(QStringList{QStringLiteral("o"), QStringLiteral("output")}, QString(),
                                           QStringLiteral("FILE"));
+    const QCommandLineOption traceOption(QStringLiteral("trace"));
     parser.addOptions({jsonOption, boardOption, calibrationOption, helpOption, styleOption, commentsOption, changesOption,
-                       baseOption, pauseOption, listenOption, matchOption, formatOption, sourceOption, outputOption});
+                       baseOption, pauseOption, listenOption, matchOption, formatOption, sourceOption, outputOption,
+                       traceOption});
     if (!parser.parse(programArguments)) {
         *error = parser.errorText();
         return false;
@@ -167,6 +169,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     format = parser.value(formatOption);
     source = parser.value(sourceOption);
     output = parser.value(outputOption);
+    trace = parser.isSet(traceOption);
     if (arguments.isEmpty()) {
         if (help)
             return true;
@@ -197,7 +200,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
                                  : name == QLatin1String("o") ? QStringLiteral("output")
                                                               : name;
         if (longName == QLatin1String("json") || longName == QLatin1String("board") ||
-            longName == QLatin1String("calibration"))
+            longName == QLatin1String("calibration") || longName == QLatin1String("trace"))
             continue;
         if (!c->options.contains(longName)) {
             *error = QStringLiteral("%1 takes no option --%2 (usage: zv4280ctl %3)").arg(command, longName, QLatin1String(c->synopsis));
@@ -240,6 +243,8 @@ QString CtlOptions::programHelp()
         "                       them (zv4280ctl devices); by default the only board on the bus\n"
         "  --calibration FILE   measured calibration tables, lines \"table,index,value\" after that\n"
         "                       header; by default calibration.csv in the current folder, if any\n"
+        "  --trace              every frame to and from the board on standard error, one line each:\n"
+        "                       time, direction (out, in), bytes, meaning\n"
         "  -h, --help           this help; zv4280ctl COMMAND --help for a command\n"
         "\n"
         "Registers are 0 to 290. Numbers are decimal, or hexadecimal behind 0x.\n"

@@ -13,6 +13,7 @@ public:
     bool json = false;      // --json
     QString board;          // --board BUS:ADDRESS, as given
     QString calibration;    // --calibration FILE
+    bool trace = false;     // --trace: every frame on standard error
     bool help = false;      // --help, or the command "help"
     QString style;          // dump --style single|block|auto
     bool comments = false;  // save --comments

@@ -8,6 +8,7 @@
 #include "diff_command.h"
 #include "export_command.h"
 #include "field_commands.h"
+#include "frame_trace.h"
 #include "file_commands.h"
 #include "register_commands.h"
 #include "serve_command.h"
@@ -81,8 +82,11 @@ int CtlProgram::run(const QStringList& programArguments)
         if (key.isEmpty())
             return out.fail(usage ? CtlExit::Usage : CtlExit::Board, error);
     }
+    FrameTrace trace;
     CtlSession session(key);
     session.calibration = calibration;
+    if (options.trace)
+        session.link().setFrameObserver(&trace);
     RegisterCommands registers(session, out);
     FieldCommands fields(session, out);
     FileCommands files(session, out);

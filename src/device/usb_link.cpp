@@ -1,8 +1,11 @@
 #include "usb_link.h"
 
+#include "usb_frame_observer.h"
 #include "usb_session.h"
 
 #include <libusb.h>
+
+#include <QDateTime>
 
 #include <cstring>
 #include <vector>
@@ -87,6 +90,10 @@ bool usb_link::exchange(quint8* out, quint8* in, int length)
 {
     for (bool toBoard : {true, false}) {
         const int moved = toBoard ? bulkOut(out, length) : bulkIn(in, length);
+        if (UsbFrameObserver* observer = frameObserver.load(std::memory_order_acquire))
+            if (toBoard || moved > 0)
+                observer->frame(QDateTime::currentMSecsSinceEpoch(), toBoard, toBoard ? out : in,
+                                toBoard ? length : moved);
         if (lastTransferResult != 0) {
             // A stalled endpoint stays halted until the next open clears it.
             stalled = stalled || lastTransferResult == LIBUSB_ERROR_PIPE;

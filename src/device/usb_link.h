@@ -4,9 +4,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
 #include <vector>
 
 struct libusb_device_handle;
+class UsbFrameObserver;
 
 // The USB transport to the bridge board. Every register operation is a whole
 // cycle of its own: libusb is initialised, the board found and opened, its
@@ -85,6 +87,10 @@ public:
     // The four numbers of a key that deviceKey made; false for any other text.
     static bool parseDeviceKey(const QString& key, quint16* vendor, quint16* product, quint8* bus, quint8* address);
 
+    // Who hears every frame from now on (null: nobody). The observer must
+    // outlive the operations that run while it is set.
+    void setFrameObserver(UsbFrameObserver* observer) { frameObserver.store(observer); }
+
     bool scanDevices();
     int bulkOut(quint8* data, int length);
     int bulkIn(quint8* data, int length);
@@ -124,4 +130,5 @@ private:
     int holds = 0;
     QString heldKey;     // the board held, once the first operation opened it
     bool stalled = false; // an endpoint stalled: the next open clears the halts
+    std::atomic<UsbFrameObserver*> frameObserver{nullptr};
 };

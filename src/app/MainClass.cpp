@@ -2,6 +2,7 @@
 #include "ui_MainClass.h"
 
 #include "app/form_binding.h"
+#include "app/view_menu.h"
 #include "engine/form_model.h"
 #include "mapshow.h"
 #include "part.h"
@@ -65,6 +66,7 @@ MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, Start start, QWid
 
     scanWindows();
     setDefaultState();
+    ViewMenu::install(*this);
     bindForms();
     if (start == Start::LoadDefaults)
         on_action_load_default_triggered();

@@ -96,6 +96,6 @@ int CtlProgram::run(const QStringList& programArguments)
     if (command == QLatin1String("serve"))
         return ServeCommand(session, out).run(options.listen);
     if (command == QLatin1String("save"))
-        return files.save(args.at(0), options.comments, options.changesOnly, options.base);
+        return files.save(args.at(0), options.comments, options.changesOnly, options.base, options.all);
     return out.fail(CtlExit::Usage, QStringLiteral("unknown command \"%1\"").arg(command));
 }

@@ -28,8 +28,13 @@ bool FieldCommands::resolve(const QStringList& names, QList<CtlField>* fields, i
     for (const QString& name : names) {
         const CtlField f(session.model(), name);
         if (!f.valid()) {
+            const QStringList near = CtlField::nearest(session.model(), name);
+            if (!near.isEmpty())
+                out.set(QStringLiteral("suggestions"), QJsonArray::fromStringList(near));
             *status = out.fail(CtlExit::Usage,
-                               QStringLiteral("no field \"%1\" (zv4280ctl fields lists them)").arg(name));
+                               QStringLiteral("no field \"%1\"%2 (zv4280ctl fields lists them)")
+                                   .arg(name, near.isEmpty() ? QString()
+                                                             : QStringLiteral("; nearest: ") + near.join(QStringLiteral(", "))));
             return false;
         }
         fields->append(f);
@@ -75,18 +80,17 @@ int FieldCommands::write(const QStringList& assignments)
         if (!resolve({name}, &fields, &status))
             return status;
         const CtlField& f = fields.last();
-        if (!f.editable())
-            return out.fail(CtlExit::Usage, QStringLiteral("%1 is a %2 that only displays what the chip holds; "
-                                                           "check boxes, combo boxes and spin boxes can be set")
-                                                .arg(f.name(), f.kindWords()));
+        const QString refusal = f.refusal(false);
+        if (!refusal.isEmpty())
+            return out.fail(CtlExit::Usage, refusal);
         for (int i = 0; i + 1 < fields.size(); ++i)
             if (&fields.at(i).record() == &f.record())
                 return out.fail(CtlExit::Usage, QStringLiteral("%1 is given twice").arg(f.name()));
-        qint64 code = -1;
-        if (!CtlOptions::number(codeText, &code) || code < f.lowest() || code > f.highest())
+        quint32 code = 0;
+        if (!f.codeOf(codeText, &code))
             return out.fail(CtlExit::Usage, QStringLiteral("%1 (%2) takes %3, not \"%4\"")
                                                 .arg(f.name(), f.kindWords(), f.allowed(), codeText));
-        codes.append(quint32(code));
+        codes.append(code);
     }
 
     session.settings.changesOnly = true;
@@ -99,8 +103,14 @@ int FieldCommands::write(const QStringList& assignments)
     QString failure = session.run(clerk::Command::ChipToGui);
     if (!failure.isEmpty())
         return boardFailure(failure);
-    for (int i = 0; i < fields.size(); ++i)
+    // A field that the chip's state leaves disabled in the forms is refused
+    // before anything is written.
+    for (int i = 0; i < fields.size(); ++i) {
+        const QString refusal = fields.at(i).refusal(true);
+        if (!refusal.isEmpty())
+            return out.fail(CtlExit::Usage, refusal);
         fields.at(i).setCode(codes.at(i));
+    }
 
     const RegisterImages& map = session.images();
     QJsonArray written;

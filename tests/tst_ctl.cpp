@@ -292,6 +292,7 @@ private slots:
         QVERIFY(lines.contains("TS_MD\tReg9 <D1>\tcombo box\t0 to 1: 0 single | 1 continuous"));
         QVERIFY(lines.contains("PLL_CDiv\tReg11 <D7-D0>\tspin box\t4 to 255"));
         QVERIFY(lines.contains("AOK\tReg2 <D4>\tlabel\tdisplays only"));
+        QVERIFY(lines.contains("TS_code\tReg4 <D1-D0>,Reg5 <D7-D0>\tspin box\twritten by the chip alone"));
 
         const Run json = ctl({"fields", "--json", "ChA_PLL_DSM_N", "CLK_EN", "ChD_VCO_CVHI", "TS_MD"});
         QVERIFY(done(json, true));

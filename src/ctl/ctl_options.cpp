@@ -52,7 +52,8 @@ const QList<Command>& commands()
         {"fields", "fields [NAME...]", "every field: registers and bits, kind, codes", 0, -1, {},
          "Lists every field of the chip, or the fields named: its registers and bits, its kind\n"
          "(check box, combo box, spin box; label and line edit only display), and the codes it\n"
-         "takes. Needs no board.\n"
+         "takes; \"written by the chip alone\" (and \"editable\": false) for those field refuses.\n"
+         "Needs no board.\n"
          "JSON: {\"fields\": [{\"name\": \"TS_MD\", \"location\": \"Reg9 <D1>\", \"registers\": [9], \"width\": 1,\n"
          "       \"kind\": \"combobox\", \"editable\": true, \"inverted\": false, \"min\": 0, \"max\": 1,\n"
          "       \"items\": [\"single\", \"continuous\"]}]}  (\"items\" for combo boxes only; kind is one of\n"
@@ -66,7 +67,7 @@ const QList<Command>& commands()
         {"save", "save FILE [--all] [--comments] [--changes-only [--base FILE]]", "chip to file, as F6 saves", 1, 1,
          {"all", "comments", "changes-only", "base"},
          "Reads the chip into the forms and saves them as F6 of zv4280tb does (registers 0 to 106;\n"
-         "with --all every register, 0 to 290, as the service panel's \"Save all registers\" does).\n"
+         "with --all every register, 0 to 290, as the service panel's \"Save all 291 registers\" does).\n"
          "--comments adds each register's fields in the words of the screens. --changes-only saves\n"
          "only the registers where the chip differs from a base file: --base, by default \"default.hex\"\n"
          "in the current folder, the file zv4280tb starts with. It leaves out the registers that the\n"

@@ -172,8 +172,12 @@ int FieldCommands::list(const QStringList& names)
     QJsonArray list;
     for (const CtlField& f : qAsConst(fields)) {
         const QString location = buildToolTip(f.record());
+        // A field that the chip alone writes is no more editable than a display.
+        const bool editable = f.refusal(false).isEmpty();
         if (!out.json()) {
-            QString codes = f.editable() ? f.allowed() : QStringLiteral("displays only");
+            QString codes = editable      ? f.allowed()
+                            : f.editable() ? QStringLiteral("written by the chip alone")
+                                           : QStringLiteral("displays only");
             if (f.record().inverted)
                 codes += QStringLiteral(" (inverted in the register)");
             out.line(QStringLiteral("%1\t%2\t%3\t%4").arg(f.name(), location, f.kindWords(), codes));
@@ -188,7 +192,7 @@ int FieldCommands::list(const QStringList& names)
                           {QStringLiteral("registers"), registers},
                           {QStringLiteral("width"), f.record().width},
                           {QStringLiteral("kind"), f.kindKey()},
-                          {QStringLiteral("editable"), f.editable()},
+                          {QStringLiteral("editable"), editable},
                           {QStringLiteral("inverted"), f.record().inverted},
                           {QStringLiteral("min"), qint64(f.lowest())},
                           {QStringLiteral("max"), qint64(f.highest())}};

@@ -43,7 +43,7 @@ QString ChipOwned::ownerOf(const FieldEntry& entry)
 {
     for (int r : registersOf(entry.record))
         if (registers().value(r, false))
-            return QStringLiteral("register %1 (%2)").arg(r).arg(registerNames.value(r));
+            return QStringLiteral("register %1, %2").arg(r).arg(registerNames.value(r));
     return QString();
 }
 

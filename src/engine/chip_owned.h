@@ -22,7 +22,7 @@ public:
     // A field that only shows, or that has a bit in such a register.
     static bool field(const FieldEntry& entry);
     // The first register of the field that the chip alone writes, as
-    // "register 4 (Temp_0)"; empty when none.
+    // "register 4, Temp_0"; empty when none.
     static QString ownerOf(const FieldEntry& entry);
 
 private:

@@ -212,16 +212,16 @@ private slots:
             QCOMPARE(sent().size(), 1); // the identity read alone
     }
 
-    // A file of three registers: cfgImage is that file, guiImage keeps every
+    // A file of four registers, one of them past 106: cfgImage is that file, guiImage keeps every
     // other register; a later line wins, a register beyond the image is
     // passed over, and a missing file changes nothing.
     void fileToGui()
     {
         std::fill_n(map->guiImage, map->registerCount, quint8(0xEE));
-        write(path("three.hex"), ";ZV4280\nReg0\t01\nReg1\t02\nReg2\t03\nReg1\t12\nReg291\t44\nReg99999\t55\n");
+        write(path("three.hex"), ";ZV4280\nReg0\t01\nReg1\t02\nReg2\t03\nReg1\t12\nReg290\t2A\nReg291\t44\nReg99999\t55\n");
         QCOMPARE(run(5, path("three.hex")), QString());
         QByteArray cfg(int(map->registerCount), 0), gui(int(map->registerCount), char(0xEE));
-        cfg[0] = gui[0] = 1, cfg[1] = gui[1] = 0x12, cfg[2] = gui[2] = 3;
+        cfg[0] = gui[0] = 1, cfg[1] = gui[1] = 0x12, cfg[2] = gui[2] = 3, cfg[290] = gui[290] = 0x2A;
         QCOMPARE(image(map->cfgImage), cfg);
         QCOMPARE(image(map->guiImage), gui);
         QCOMPARE(run(5, path("missing.hex")), QStringLiteral("\".hex\" file is not available"));

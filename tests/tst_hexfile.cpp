@@ -60,6 +60,7 @@ class tst_hexfile : public QObject
         s.comments = flags.value("HexComment", 0);
         s.statusBits = flags.value("StatusBits", 1);
         s.serviceBits = flags.value("ServiceBits", 1);
+        s.allRegisters = flags.value("SaveAll", 0);
         return HexWriter::guiText(GuiSave::take(*main->model(), s));
     }
 
@@ -103,7 +104,7 @@ private slots:
     }
 
     // Status registers (ID, release, bulbs) leave a full save when "StatusBits" is off; the service
-    // and expert windows hold registers 107 to 290 only, which a save of the GUI never reaches.
+    // and expert windows hold registers 107 to 290 only, which a save of the GUI reaches with "SaveAll".
     void statusAndServiceRegisters()
     {
         const QVector<bool> status = SaveFilter::statusRegisters(Catalogue::instance()),
@@ -121,6 +122,7 @@ private slots:
         for (const char* line : {"\nReg0\t", "\nReg1\t", "\nReg2\t", "\nReg80\t", "\nReg81\t"})
             QVERIFY(full.contains(line) && !noStatus.contains(line));
         QCOMPARE(save({{"HexComment", 0}, {"ServiceBits", 0}}), full);
+        QCOMPARE(save({{"HexComment", 1}, {"SaveAll", 1}}).count("\nReg"), 291);
     }
 
     void reader_data()
@@ -175,18 +177,19 @@ private slots:
     {
         std::mt19937 random(4280);
         const QStringList pieces = {"", "Reg5 77 &0x12", "Ток: 600µA", "Фаза: 90.00° ", "Mode: single", "//"};
-        for (int round = 0; round < 16; ++round) {
+        for (int round = 0; round < 32; ++round) {
             GuiSave s;
             s.chipName = "ZV4280v2";
             s.changesOnly = round & 1;
             s.withComments = round & 2;
+            s.allRegisters = round & 8;
             QMap<int, int> expected;
             for (int r = 0; r < 291; ++r) {
                 s.guiImage.append(char(random()));
                 s.icImage.append(random() % 2 ? s.guiImage.at(r) : char(random()));
                 s.leftOut.append(round & 4 ? random() % 8 == 0 : false);
                 s.comments.append(pieces.at(random() % 6) + HexFormat::commentSeparator() + pieces.at(random() % 6));
-                if (r <= 106 && (s.changesOnly ? s.guiImage.at(r) != s.icImage.at(r) : !s.leftOut.at(r)))
+                if ((r <= 106 || s.allRegisters) && (s.changesOnly ? s.guiImage.at(r) != s.icImage.at(r) : !s.leftOut.at(r)))
                     expected[r] = quint8(s.guiImage.at(r));
             }
             QVERIFY(HexWriter::writeFile(path("trip.hex"), HexWriter::guiText(s), false));

@@ -57,11 +57,16 @@ private slots:
         QCOMPARE(saved.readAll(), list->toPlainText().toUtf8() + "\n");
     }
 
-    // Closing the main window closes the panel, the docks, the map and the expert windows with it.
+    // The View menu opens every window, one entry each; closing the main window closes them all with it.
     void closingTheMainWindowClosesAll()
     {
-        for (QWidget* window : qAsConst(main->windows))
-            window->show();
+        const auto entries = main->findChildren<QAction*>(QRegularExpression("^view_"));
+        QCOMPARE(entries.size(), main->windows.size() - 1);
+        for (QAction* entry : entries)
+            entry->trigger();
+        for (auto it = main->windows.cbegin(); it != main->windows.cend(); ++it)
+            QVERIFY2(it.value()->isVisible() || it.value() == main.get(), qPrintable(it.key()));
+        main->show();
         QVERIFY(main->close());
         for (auto it = main->windows.cbegin(); it != main->windows.cend(); ++it)
             QVERIFY2(!it.value()->isVisible(), qPrintable(it.key()));

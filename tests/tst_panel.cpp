@@ -31,7 +31,7 @@ private slots:
         const QMap<QString, int> expected = {{"interfaceCheck", 0}, {"currentInterface", -1}, {"speedCom", 5},
             {"ReadStyle", 2}, {"WriteStyle", 1}, {"RepeatRead", 0}, {"AutoPause", 0}, {"ChangesOnly", 1},
             {"InteractiveRefresh", 1}, {"PauseTimer", 200}, {"HexComment", 0}, {"MergeFile", 0},
-            {"ConfigCheck", 1}, {"StatusBits", 1}, {"ServiceBits", 1}, {"RegisterNumber", 0}};
+            {"ConfigCheck", 1}, {"StatusBits", 1}, {"ServiceBits", 1}, {"SaveAll", 0}, {"RegisterNumber", 0}};
         QCOMPARE(panel->settings, expected);
         QVERIFY(panel->panelSettings() == PanelSettings()); // what zv4280ctl starts with
         QCOMPARE(panel->windowTitle(), QStringLiteral("Service settings"));
@@ -44,6 +44,8 @@ private slots:
         QVERIFY(w("Info")->toolTip().contains("<p>5 - не выбран интерфейс</p>")); // it has no translation
         w<QSpinBox>("flag_PauseTimer")->setValue(750);
         QCOMPARE(panel->panelSettings().writePauseMs, 750);
+        w<QCheckBox>("flag_SaveAll")->setChecked(true);
+        QVERIFY(panel->panelSettings().allRegisters);
     }
 
     // Two boards with different release codes: each selection applies to the next access.

@@ -5,6 +5,7 @@
 #include "app/form_binding.h"
 #include "app/undo_actions.h"
 #include "app/usb_log_dock.h"
+#include "app/view_menu.h"
 #include "engine/form_model.h"
 #include "mapshow.h"
 #include "part.h"
@@ -69,6 +70,7 @@ MainClass::MainClass(const QMap<QString, QWidget*>& windowSet, Start start, QWid
     scanWindows();
     setDefaultState();
     bindForms();
+    ViewMenu::install(*this);
     tools = new BenchMenu(*this);
     usbLog = new UsbLogDock(*service->usb, *this);
     if (start == Start::LoadDefaults)

@@ -92,7 +92,13 @@ UsbLogDock::UsbLogDock(usb_link& link, QMainWindow& window)
     hide();
     QAction* toggle = toggleViewAction();
     toggle->setObjectName(QStringLiteral("usbLogToggle"));
-    window.menuBar()->addMenu(tr("View"))->addAction(toggle);
+    // Beside the windows of the View menu, when the main window has one.
+    QMenu* view = window.menuBar()->findChild<QMenu*>(QStringLiteral("menu_View"));
+    if (view)
+        view->addSeparator();
+    else
+        view = window.menuBar()->addMenu(tr("View"));
+    view->addAction(toggle);
     if (auto* bar = window.findChild<QToolBar*>(QStringLiteral("toolBar_RegWindow")))
         bar->insertAction(bar->actions().value(bar->actions().size() - 1), toggle);
     link.setFrameObserver(&log);

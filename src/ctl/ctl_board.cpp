@@ -122,5 +122,7 @@ int CtlBoard::listCommand(CtlOutput& out)
         list.append(board);
     }
     out.set(QStringLiteral("devices"), list);
+    if (boards.isEmpty())
+        return out.fail(CtlExit::Board, QStringLiteral("no bridge board found"));
     return out.done();
 }

@@ -2,15 +2,76 @@
 #include "ctl_field.h"
 
 #include "comment_builder.h"
+#include "ctl_options.h"
+#include "engine/chip_owned.h"
 #include "engine/form_model.h"
 #include "engine/register_images.h"
 
+#include <algorithm>
+
+namespace {
+
+// A name without the chip word ("_ZV4280v2"), whatever its case.
+QString bareName(const QString& name, const QString& chip)
+{
+    const QString chipWord = QLatin1Char('_') + chip;
+    return name.endsWith(chipWord, Qt::CaseInsensitive) ? name.left(name.size() - chipWord.size()) : name;
+}
+
+// Edits that turn one text into the other, letters compared without case.
+int distance(const QString& a, const QString& b)
+{
+    QVector<int> row(b.size() + 1);
+    for (int j = 0; j <= b.size(); ++j)
+        row[j] = j;
+    for (int i = 1; i <= a.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = i;
+        for (int j = 1; j <= b.size(); ++j) {
+            const int above = row[j];
+            const bool same = a.at(i - 1).toLower() == b.at(j - 1).toLower();
+            row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
+            diagonal = above;
+        }
+    }
+    return row[b.size()];
+}
+
+} // namespace
+
 CtlField::CtlField(FormModel& owner, const QString& name) : model(&owner)
 {
-    const QString chipWord = QLatin1Char('_') + owner.catalogue().chipName();
-    const int found = owner.indexOf(name.endsWith(chipWord) ? name : name + chipWord);
+    const QString chip = owner.catalogue().chipName();
+    const QString bare = bareName(name, chip);
+    int found = owner.indexOf(bare + QLatin1Char('_') + chip);
+    for (int f = 0; found < 0 && f < owner.fieldCount(); ++f)
+        if (bareName(owner.entry(f).record.name, chip).compare(bare, Qt::CaseInsensitive) == 0)
+            found = f;
     if (found >= 0)
         *this = CtlField(owner, found);
+}
+
+QStringList CtlField::nearest(const FormModel& model, const QString& name)
+{
+    const QString chip = model.catalogue().chipName();
+    const QString bare = bareName(name, chip);
+    const int reach = std::max(2, int(bare.size()) / 3);
+    QList<QPair<int, QString>> near;
+    QStringList containing;
+    for (int f = 0; f < model.fieldCount(); ++f) {
+        const QString candidate = bareName(model.entry(f).record.name, chip);
+        const int d = distance(bare, candidate);
+        if (d <= reach)
+            near.append({d, candidate});
+        else if (bare.size() >= 3 && candidate.contains(bare, Qt::CaseInsensitive))
+            containing.append(candidate);
+    }
+    std::sort(near.begin(), near.end());
+    QStringList names;
+    for (const auto& n : qAsConst(near))
+        names.append(n.second);
+    names += containing;
+    return names.mid(0, 3);
 }
 
 CtlField::CtlField(FormModel& owner, int field) : model(&owner), index(field)
@@ -33,9 +94,7 @@ const part& CtlField::record() const
 
 QString CtlField::name() const
 {
-    const part& field = record();
-    const QString chipWord = QLatin1Char('_') + field.chip;
-    return field.name.endsWith(chipWord) ? field.name.left(field.name.size() - chipWord.size()) : field.name;
+    return bareName(record().name, record().chip);
 }
 
 namespace {
@@ -76,6 +135,44 @@ QString CtlField::kindWords() const
 bool CtlField::editable() const
 {
     return widgetKind == Kind::CheckBox || widgetKind == Kind::ComboBox || widgetKind == Kind::SpinBox;
+}
+
+QString CtlField::refusal(bool enabledNow) const
+{
+    if (!editable())
+        return QStringLiteral("%1 is a %2 that only displays what the chip holds; "
+                              "check boxes, combo boxes and spin boxes can be set")
+            .arg(name(), kindWords());
+    const FieldEntry& entry = model->entry(index);
+    const QString owner = ChipOwned::ownerOf(entry);
+    if (!owner.isEmpty())
+        return QStringLiteral("%1 is written by the chip alone (%2) and cannot be set").arg(name(), owner);
+    if (enabledNow && !model->isEnabled(entry.objectName))
+        return QStringLiteral("%1 is disabled in the forms and cannot be set now").arg(name());
+    return QString();
+}
+
+bool CtlField::codeOf(const QString& text, quint32* code) const
+{
+    qint64 number = -1;
+    if (CtlOptions::number(text, &number)) {
+        if (number < lowest() || number > highest())
+            return false;
+        *code = quint32(number);
+        return true;
+    }
+    const QStringList list = items();
+    for (int i = 0; i < list.size(); ++i)
+        if (list.at(i) == text) {
+            *code = quint32(i);
+            return true;
+        }
+    for (int i = 0; i < list.size(); ++i)
+        if (list.at(i).trimmed().compare(text.trimmed(), Qt::CaseInsensitive) == 0) {
+            *code = quint32(i);
+            return true;
+        }
+    return false;
 }
 
 quint32 CtlField::lowest() const

@@ -15,10 +15,14 @@ public:
     enum class Kind { CheckBox, ComboBox, SpinBox, Label, LineEdit };
 
     // The field of a name with or without the chip word ("ChA_PLL_RDiv" or
-    // "ChA_PLL_RDiv_ZV4280v2"); not valid when the model has none.
+    // "ChA_PLL_RDiv_ZV4280v2"), in any case ("cha_pll_rdiv"); not valid when
+    // the model has none.
     CtlField(FormModel& model, const QString& name);
     // A field of the model by its index.
     CtlField(FormModel& model, int field);
+    // The names nearest to one the model lacks, without the chip word, the
+    // nearest first; empty when none is near.
+    static QStringList nearest(const FormModel& model, const QString& name);
 
     bool valid() const { return index >= 0; }
     const part& record() const;
@@ -30,6 +34,10 @@ public:
     QString kindWords() const;
     // Labels and line edits only display what the chip holds.
     bool editable() const;
+    // Why the field cannot be set now, in words; empty when it can: it only
+    // displays, the chip alone writes it (the temperature code, status bits),
+    // or, with enabledNow, the forms show it disabled as they stand.
+    QString refusal(bool enabledNow) const;
     // The codes the field takes: 0 or 1 for a check box, an item's index for
     // a combo box, from the box's minimum (at least 0) to 2^width - 1 for a
     // spin box. A display field spans its bits.
@@ -39,6 +47,10 @@ public:
     QString allowed() const;
     // A combo box's items.
     QStringList items() const;
+    // The code a text gives: a number (decimal, or hexadecimal behind "0x"),
+    // or for a combo box an item's text ("PLL \"A\""; case and the blanks
+    // around it do not count). False when the text gives none in the range.
+    bool codeOf(const QString& text, quint32* code) const;
     // Registers that the field's bits touch, in rising order.
     QList<int> registers() const;
 

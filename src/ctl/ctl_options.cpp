@@ -41,14 +41,19 @@ const QList<Command>& commands()
          "With NAME=CODE: reads the chip, sets each field's widget to its code as a user would (the\n"
          "rules run), writes the registers that changed, reads the chip back and checks every field;\n"
          "exit status 3 when a field reads back another code. A code is the widget's: 0 or 1 for a\n"
-         "check box, the item's index for a combo box, the number for a spin box. Fields that only\n"
-         "display are refused. Names may carry the chip word (ChA_PLL_RDiv_ZV4280v2) or not.\n"
+         "check box, the item's index or its text for a combo box (CLK_SOURCE='PLL \"A\"'), the number\n"
+         "for a spin box. Refused with exit status 2, before anything is written: fields that only\n"
+         "display, fields that the chip alone writes (the temperature code TS_code, status bits such\n"
+         "as ChA_AAD_WORK, the internal statuses) and fields that the forms show disabled. Names may\n"
+         "carry the chip word (ChA_PLL_RDiv_ZV4280v2) or not, in any case; an unknown name gets the\n"
+         "nearest names as suggestions.\n"
          "JSON: {\"fields\": [{\"name\": \"ChA_PLL_RDiv\", \"code\": 13, \"text\": \"R-divider ratio:  13\",\n"
          "       \"location\": \"Reg21 <D4-D0>\"}], \"written\": [21]}  (\"written\" only with NAME=CODE)\n"},
         {"fields", "fields [NAME...] [--match TEXT]", "every field: registers and bits, kind, codes", 0, -1, {"match"},
          "Lists every field of the chip, or the fields named: its registers and bits, its kind\n"
          "(check box, combo box, spin box; label and line edit only display), and the codes it\n"
-         "takes. Needs no board. --match lists the fields whose name, caption or location\n"
+         "takes; \"written by the chip alone\" (and \"editable\": false) for those field refuses.\n"
+         "Needs no board. --match lists the fields whose name, caption or location\n"
          "(\"Reg21\", \"Reg21 <D4>\") holds TEXT, in any case, best hits first, as Ctrl+F finds them.\n"
          "JSON: {\"fields\": [{\"name\": \"TS_MD\", \"location\": \"Reg9 <D1>\", \"registers\": [9], \"width\": 1,\n"
          "       \"kind\": \"combobox\", \"editable\": true, \"inverted\": false, \"min\": 0, \"max\": 1,\n"
@@ -60,14 +65,16 @@ const QList<Command>& commands()
          "a missing or unreadable file, a map name that is not ZV4280, a register beyond 290 or a\n"
          "file without any register line is refused and nothing reaches the chip.\n"
          "JSON: {\"file\": \"settings.hex\", \"registers\": 107}\n"},
-        {"save", "save FILE [--comments] [--changes-only [--base FILE]]", "chip to file, as F6 saves", 1, 1,
-         {"comments", "changes-only", "base"},
-         "Reads the chip into the forms and saves them as F6 of zv4280tb does (registers 0 to 106).\n"
+        {"save", "save FILE [--all] [--comments] [--changes-only [--base FILE]]", "chip to file, as F6 saves", 1, 1,
+         {"all", "comments", "changes-only", "base"},
+         "Reads the chip into the forms and saves them as F6 of zv4280tb does (registers 0 to 106;\n"
+         "with --all every register, 0 to 290, as the service panel's \"Save all 291 registers\" does).\n"
          "--comments adds each register's fields in the words of the screens. --changes-only saves\n"
          "only the registers where the chip differs from a base file: --base, by default \"default.hex\"\n"
-         "in the current folder, the file zv4280tb starts with.\n"
-         "JSON: {\"file\": \"out.hex\", \"comments\": true, \"changesOnly\": false}, and \"base\" with\n"
-         "      --changes-only\n"},
+         "in the current folder, the file zv4280tb starts with. It leaves out the registers that the\n"
+         "chip alone writes (identity, status, temperature).\n"
+         "JSON: {\"file\": \"out.hex\", \"comments\": true, \"changesOnly\": false}, \"base\" with\n"
+         "      --changes-only, \"all\": true with --all\n"},
         {"serve", "serve [--listen PATH]", "JSON-RPC requests on stdin, one a line, answered on stdout", 0, 0,
          {"listen"},
          "Serves the scripting protocol, JSON-RPC 2.0 with one message a line (UTF-8), on standard\n"
@@ -137,6 +144,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     const QCommandLineOption styleOption(QStringLiteral("style"), QString(), QStringLiteral("STYLE"));
     const QCommandLineOption commentsOption(QStringLiteral("comments"));
     const QCommandLineOption changesOption(QStringLiteral("changes-only"));
+    const QCommandLineOption allOption(QStringLiteral("all"));
     const QCommandLineOption baseOption(QStringLiteral("base"), QString(), QStringLiteral("FILE"));
     const QCommandLineOption pauseOption(QStringLiteral("pause"), QString(), QStringLiteral("MS"));
     const QCommandLineOption listenOption(QStringLiteral("listen"), QString(), QStringLiteral("PATH"));
@@ -147,12 +155,27 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
                                           QStringLiteral("FILE"));
     const QCommandLineOption traceOption(QStringLiteral("trace"));
     parser.addOptions({jsonOption, boardOption, calibrationOption, helpOption, styleOption, commentsOption, changesOption,
-                       baseOption, pauseOption, listenOption, matchOption, formatOption, sourceOption, outputOption,
-                       traceOption});
+                       allOption, baseOption, pauseOption, listenOption, matchOption, formatOption, sourceOption,
+                       outputOption, traceOption});
+    // Known before the parse, so that a refusal of the command line is told
+    // as the command's own, and in JSON when --json is among the arguments.
+    for (const QString& a : programArguments.mid(1)) {
+        if (a == QLatin1String("--"))
+            break;
+        json = json || a == QLatin1String("--json") || a == QLatin1String("-json");
+        if (command.isEmpty() && find(a))
+            command = a;
+    }
     if (!parser.parse(programArguments)) {
         *error = parser.errorText();
+        const QStringList unknown = parser.unknownOptionNames();
+        if (!unknown.isEmpty() && !unknown.first().isEmpty() && unknown.first().at(0).isDigit())
+            *error = QStringLiteral("\"-%1\" is negative; numbers are 0 or more").arg(unknown.first());
+        if (const Command* c = find(command))
+            *error += QStringLiteral(" (usage: zv4280ctl %1)").arg(QLatin1String(c->synopsis));
         return false;
     }
+    command.clear();
 
     arguments = parser.positionalArguments();
     json = parser.isSet(jsonOption);
@@ -162,6 +185,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     style = parser.value(styleOption);
     comments = parser.isSet(commentsOption);
     changesOnly = parser.isSet(changesOption);
+    all = parser.isSet(allOption);
     base = parser.value(baseOption);
     pause = parser.value(pauseOption);
     listen = parser.value(listenOption);

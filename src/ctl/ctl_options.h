@@ -18,6 +18,7 @@ public:
     QString style;          // dump --style single|block|auto
     bool comments = false;  // save --comments
     bool changesOnly = false; // save --changes-only
+    bool all = false;       // save --all
     QString base;           // save --base FILE
     QString pause;          // load --pause MS, as given
     QString listen;         // serve --listen PATH

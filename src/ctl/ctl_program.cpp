@@ -108,6 +108,6 @@ int CtlProgram::run(const QStringList& programArguments)
         return ExportCommand(session, out).run(options.format, options.source, options.changesOnly, options.base,
                                                options.output);
     if (command == QLatin1String("save"))
-        return files.save(args.at(0), options.comments, options.changesOnly, options.base);
+        return files.save(args.at(0), options.comments, options.changesOnly, options.base, options.all);
     return out.fail(CtlExit::Usage, QStringLiteral("unknown command \"%1\"").arg(command));
 }

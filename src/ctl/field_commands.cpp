@@ -29,8 +29,13 @@ bool FieldCommands::resolve(const QStringList& names, QList<CtlField>* fields, i
     for (const QString& name : names) {
         const CtlField f(session.model(), name);
         if (!f.valid()) {
+            const QStringList near = CtlField::nearest(session.model(), name);
+            if (!near.isEmpty())
+                out.set(QStringLiteral("suggestions"), QJsonArray::fromStringList(near));
             *status = out.fail(CtlExit::Usage,
-                               QStringLiteral("no field \"%1\" (zv4280ctl fields lists them)").arg(name));
+                               QStringLiteral("no field \"%1\"%2 (zv4280ctl fields lists them)")
+                                   .arg(name, near.isEmpty() ? QString()
+                                                             : QStringLiteral("; nearest: ") + near.join(QStringLiteral(", "))));
             return false;
         }
         fields->append(f);
@@ -76,18 +81,17 @@ int FieldCommands::write(const QStringList& assignments)
         if (!resolve({name}, &fields, &status))
             return status;
         const CtlField& f = fields.last();
-        if (!f.editable())
-            return out.fail(CtlExit::Usage, QStringLiteral("%1 is a %2 that only displays what the chip holds; "
-                                                           "check boxes, combo boxes and spin boxes can be set")
-                                                .arg(f.name(), f.kindWords()));
+        const QString refusal = f.refusal(false);
+        if (!refusal.isEmpty())
+            return out.fail(CtlExit::Usage, refusal);
         for (int i = 0; i + 1 < fields.size(); ++i)
             if (&fields.at(i).record() == &f.record())
                 return out.fail(CtlExit::Usage, QStringLiteral("%1 is given twice").arg(f.name()));
-        qint64 code = -1;
-        if (!CtlOptions::number(codeText, &code) || code < f.lowest() || code > f.highest())
+        quint32 code = 0;
+        if (!f.codeOf(codeText, &code))
             return out.fail(CtlExit::Usage, QStringLiteral("%1 (%2) takes %3, not \"%4\"")
                                                 .arg(f.name(), f.kindWords(), f.allowed(), codeText));
-        codes.append(quint32(code));
+        codes.append(code);
     }
 
     session.settings.changesOnly = true;
@@ -100,8 +104,14 @@ int FieldCommands::write(const QStringList& assignments)
     QString failure = session.run(clerk::Command::ChipToGui);
     if (!failure.isEmpty())
         return boardFailure(failure);
-    for (int i = 0; i < fields.size(); ++i)
+    // A field that the chip's state leaves disabled in the forms is refused
+    // before anything is written.
+    for (int i = 0; i < fields.size(); ++i) {
+        const QString refusal = fields.at(i).refusal(true);
+        if (!refusal.isEmpty())
+            return out.fail(CtlExit::Usage, refusal);
         fields.at(i).setCode(codes.at(i));
+    }
 
     const RegisterImages& map = session.images();
     QJsonArray written;
@@ -175,8 +185,12 @@ int FieldCommands::list(const QStringList& names)
     QJsonArray list;
     for (const CtlField& f : qAsConst(fields)) {
         const QString location = buildToolTip(f.record());
+        // A field that the chip alone writes is no more editable than a display.
+        const bool editable = f.refusal(false).isEmpty();
         if (!out.json()) {
-            QString codes = f.editable() ? f.allowed() : QStringLiteral("displays only");
+            QString codes = editable      ? f.allowed()
+                            : f.editable() ? QStringLiteral("written by the chip alone")
+                                           : QStringLiteral("displays only");
             if (f.record().inverted)
                 codes += QStringLiteral(" (inverted in the register)");
             out.line(QStringLiteral("%1\t%2\t%3\t%4").arg(f.name(), location, f.kindWords(), codes));
@@ -191,7 +205,7 @@ int FieldCommands::list(const QStringList& names)
                           {QStringLiteral("registers"), registers},
                           {QStringLiteral("width"), f.record().width},
                           {QStringLiteral("kind"), f.kindKey()},
-                          {QStringLiteral("editable"), f.editable()},
+                          {QStringLiteral("editable"), editable},
                           {QStringLiteral("inverted"), f.record().inverted},
                           {QStringLiteral("min"), qint64(f.lowest())},
                           {QStringLiteral("max"), qint64(f.highest())}};

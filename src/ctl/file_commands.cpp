@@ -7,6 +7,7 @@
 #include "ctl_session.h"
 #include "hex_entries.h"
 #include "hex_reader.h"
+#include "engine/chip_owned.h"
 #include "engine/register_images.h"
 
 #include <algorithm>
@@ -58,8 +59,9 @@ int FileCommands::load(const QString& file, const QString& pause)
     return out.done();
 }
 
-int FileCommands::save(const QString& file, bool comments, bool changesOnly, const QString& base)
+int FileCommands::save(const QString& file, bool comments, bool changesOnly, const QString& base, bool all)
 {
+    session.settings.allRegisters = all;
     const QString baseFile = base.isEmpty() ? QStringLiteral("default.hex") : base;
     session.settings.comments = comments;
     session.settings.changesOnly = changesOnly;
@@ -80,8 +82,13 @@ int FileCommands::save(const QString& file, bool comments, bool changesOnly, con
     if (!failure.isEmpty())
         return boardFailure(failure);
     RegisterImages& map = session.images();
-    if (changesOnly) // what the chip gave is compared with the base
+    if (changesOnly) { // what the chip gave is compared with the base, but for what the chip alone writes
         std::memcpy(map.icImage, map.cfgImage, map.registerCount);
+        const QVector<bool>& chipOwned = ChipOwned::registers();
+        for (quint32 r = 0; r < map.registerCount; ++r)
+            if (chipOwned.value(int(r), false))
+                map.icImage[r] = map.guiImage[r];
+    }
     failure = session.run(clerk::Command::GuiToFile, file, false);
     if (!failure.isEmpty())
         return out.fail(CtlExit::Usage, QStringLiteral("cannot write \"%1\": %2").arg(file, failure));
@@ -90,5 +97,7 @@ int FileCommands::save(const QString& file, bool comments, bool changesOnly, con
     out.set(QStringLiteral("changesOnly"), changesOnly);
     if (changesOnly)
         out.set(QStringLiteral("base"), baseFile);
+    if (all)
+        out.set(QStringLiteral("all"), true);
     return out.done();
 }

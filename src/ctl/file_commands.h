@@ -15,9 +15,9 @@ public:
     // "load FILE [--pause MS]": the file checked, then the worker's file to
     // chip (command 3).
     int load(const QString& file, const QString& pause);
-    // "save FILE [--comments] [--changes-only [--base FILE]]": the chip read
+    // "save FILE [--all] [--comments] [--changes-only [--base FILE]]": the chip read
     // into the forms (command 1), then the worker's GUI to file (command 6).
-    int save(const QString& file, bool comments, bool changesOnly, const QString& base);
+    int save(const QString& file, bool comments, bool changesOnly, const QString& base, bool all);
 
 private:
     // The register lines of a file that a load may send; -1 after a refusal.

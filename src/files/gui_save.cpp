@@ -16,6 +16,7 @@ GuiSave GuiSave::take(const FormModel& model, const PanelSettings& settings)
     save.icImage = QByteArray(reinterpret_cast<const char*>(map.icImage), int(map.registerCount));
     save.changesOnly = settings.changesOnly;
     save.withComments = settings.comments;
+    save.allRegisters = settings.allRegisters;
     if (save.withComments)
         save.comments = CommentBuilder::build(model, save.changesOnly);
     save.leftOut = SaveFilter::leftOut(model.catalogue(), settings.statusBits, settings.serviceBits);

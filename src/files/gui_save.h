@@ -17,6 +17,7 @@ struct GuiSave
     QByteArray icImage;
     bool changesOnly = false;  // only registers where guiImage and icImage differ
     bool withComments = false; // each register line carries its comment
+    bool allRegisters = false; // registers 0 to 290, not 0 to 106
     QStringList comments;      // one per register when withComments
     QVector<bool> leftOut;     // registers that a full save leaves out
 

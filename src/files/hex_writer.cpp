@@ -121,7 +121,9 @@ QString HexWriter::guiText(const GuiSave& save, const std::function<void(int)>& 
 {
     const QChar newline(QLatin1Char('\n'));
     QString text = HexFormat::mapLine(save.chipName) + newline;
-    const int count = qMin(save.guiImage.size(), HexFormat::lastSavedRegister + 1);
+    const int count = save.allRegisters ? save.guiImage.size()
+                                        : qMin(save.guiImage.size(), HexFormat::lastSavedRegister + 1);
+    const int last = qMax(1, count - 1);
     for (int i = 0; i < count; ++i) {
         const quint8 value = quint8(save.guiImage.at(i));
         bool written;
@@ -141,8 +143,8 @@ QString HexWriter::guiText(const GuiSave& save, const std::function<void(int)>& 
                                       : HexFormat::registerLine(i, value);
             text += newline;
         }
-        if (progress && i < HexFormat::lastSavedRegister)
-            progress(i * 100 / HexFormat::lastSavedRegister);
+        if (progress && i < last)
+            progress(i * 100 / last);
     }
     return text;
 }

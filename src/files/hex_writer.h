@@ -38,9 +38,9 @@ public:
     static bool writeFile(const QString& path, const QString& text, bool append);
 
     // The text of a save of the GUI state: the map line, then registers 0 to
-    // 106 at most, in full or only the changed ones, with the comments and,
-    // in a full save, the headings. `progress` hears i * 100 / 106 after each
-    // register i below 106.
+    // 106 at most (to the last one with allRegisters), in full or only the
+    // changed ones, with the comments and, in a full save, the headings.
+    // `progress` hears i * 100 / last after each register i below the last.
     static QString guiText(const GuiSave& save, const std::function<void(int)>& progress = {});
     // The text of a save of what the chip holds: the map line and every
     // register of `registers`, without comments.

@@ -103,6 +103,7 @@ PanelSettings service_block::panelSettings() const
     s.configCheck = flag("ConfigCheck", s.configCheck) != 0;
     s.statusBits = flag("StatusBits", s.statusBits) != 0;
     s.serviceBits = flag("ServiceBits", s.serviceBits) != 0;
+    s.allRegisters = flag("SaveAll", s.allRegisters) != 0;
     s.repeatRead = flag("RepeatRead", s.repeatRead) != 0;
     s.autoPauseSeconds = flag("AutoPause", s.autoPauseSeconds);
     s.registerNumber = flag("RegisterNumber", s.registerNumber);

@@ -32,6 +32,8 @@ struct PanelSettings
     // A full save keeps the status registers, and the service registers.
     bool statusBits = true;
     bool serviceBits = true;
+    // A save goes on past register 106 to the chip's last register, 290.
+    bool allRegisters = false;
     // A read of the chip comes round again, autoPauseSeconds after the last
     // one ended.
     bool repeatRead = false;
@@ -45,7 +47,7 @@ private:
     auto members() const
     {
         return std::tie(readStyle, writeStyle, changesOnly, readBack, writePauseMs, separateWrite, comments, mergeFile,
-                        configCheck, statusBits, serviceBits, repeatRead, autoPauseSeconds, registerNumber,
+                        configCheck, statusBits, serviceBits, allRegisters, repeatRead, autoPauseSeconds, registerNumber,
                         registerValue);
     }
 

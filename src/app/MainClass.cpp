@@ -2,6 +2,7 @@
 #include "ui_MainClass.h"
 
 #include "app/form_binding.h"
+#include "app/operation_status.h"
 #include "engine/form_model.h"
 #include "mapshow.h"
 #include "part.h"
@@ -18,6 +19,7 @@
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QToolBar>
 
 const char* const kWindowTitle = "ZV4280(v2/v3) TB 1.0.3";
@@ -244,6 +246,8 @@ void MainClass::setDefaultState()
     ui->toolBar_RegWindow->addWidget(progressBar);
     progressBar->setMaximumWidth(100);
     ui->toolBar_RegWindow->actions().last()->setVisible(false);
+    operationStatus = new OperationStatus(this);
+    statusBar()->addWidget(operationStatus, 1);
 
     worker = nullptr;
     showOperationCount();

@@ -20,6 +20,7 @@ public:
     QString base;           // save --base FILE
     QString pause;          // load --pause MS, as given
     QString listen;         // serve --listen PATH
+    bool lenient = false;   // load --lenient
 
     // Reads the arguments of the program (the program's name first); false
     // with a message on bad usage.

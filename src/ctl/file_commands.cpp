@@ -7,7 +7,11 @@
 #include "ctl_session.h"
 #include "hex_format.h"
 #include "hex_reader.h"
+#include "odd_lines.h"
 #include "engine/register_images.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
 
 #include <cstring>
 
@@ -21,9 +25,9 @@ int FileCommands::boardFailure(const QString& what)
 
 // A load takes what a save writes: every map line names the chip (";ZV4280",
 // ";ZV4280v2", ";ZV4280.2", read as a load into the forms reads them), every
-// register line holds one of the chip's registers and a byte, and one
-// register line at least is there.
-int FileCommands::checkLoad(const QString& file, int* status)
+// register line holds one of the chip's registers, and one register line at
+// least is there; and, unless lenient, no line is other than plain.
+int FileCommands::checkLoad(const QString& file, bool lenient, int* status)
 {
     QStringList lines;
     QString refusal;
@@ -47,28 +51,40 @@ int FileCommands::checkLoad(const QString& file, int* status)
             break;
         }
         case HexFormat::LineKind::Register: {
-            const QString fault = HexFormat::chipLineFault(line, int(map.registerCount));
+            const QString fault = HexFormat::numberFault(line, int(map.registerCount));
             if (!fault.isEmpty()) {
                 *status = out.fail(CtlExit::Usage, HexFormat::refusedLine(file, i + 1, line, fault));
                 return -1;
             }
-            registers += HexFormat::readRegister(line)->number >= 0 ? 1 : 0; // -1 is a pause
+            const auto reg = HexFormat::readRegister(line);
+            registers += reg && reg->number >= 0 ? 1 : 0; // -1 is a pause
             break;
         }
         case HexFormat::LineKind::Other:
             break;
         }
     }
+    const QVector<OddLines::Line> odd = OddLines::find(lines, int(map.registerCount));
+    if (!odd.isEmpty() && !lenient) {
+        *status = out.fail(CtlExit::Usage, QStringLiteral("\"%1\": %2; --lenient loads such lines as they read")
+                                               .arg(file, OddLines::describe(odd, 5)));
+        return -1;
+    }
+    QJsonArray oddLines;
+    for (const OddLines::Line& l : odd)
+        oddLines.append(QJsonObject{{QStringLiteral("line"), l.number}, {QStringLiteral("text"), l.text}});
+    if (!odd.isEmpty())
+        out.set(QStringLiteral("oddLines"), oddLines);
     return registers;
 }
 
-int FileCommands::load(const QString& file, const QString& pause)
+int FileCommands::load(const QString& file, const QString& pause, bool lenient)
 {
     qint64 pauseMs = -1;
     if (!pause.isEmpty() && (!CtlOptions::number(pause, &pauseMs) || pauseMs > 999999))
         return out.fail(CtlExit::Usage, QStringLiteral("--pause takes milliseconds, 0 to 999999; not \"%1\"").arg(pause));
     int status = 0;
-    const int registers = checkLoad(file, &status);
+    const int registers = checkLoad(file, lenient, &status);
     if (registers < 0)
         return status;
 

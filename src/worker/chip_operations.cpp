@@ -97,11 +97,14 @@ QString clerk::chipWrite()
                         "in: all %1 registers were written").arg(count);
         if (!settings.changesOnly || !known) {
             registersWritten = count;
+            // A changes-only write that found the chip unknown fails in its
+            // own words ("Refresh device list" when no board was there).
+            const auto failed = [this] { return settings.changesOnly ? statusOrInterfaceError() : interfaceError(); };
             switch (settings.writeStyle) {
             case PanelSettings::Style::Blocks: {
                 std::vector<quint8> list = link->blockList(allRegisters(count), gui.data());
                 if (!link->writeBlock(count, list.data()))
-                    return interfaceError();
+                    return failed();
                 break;
             }
             case PanelSettings::Style::Autoincrement:
@@ -112,7 +115,7 @@ QString clerk::chipWrite()
                 for (int i = 0; i < count; ++i) {
                     registersWritten = i;
                     if (!link->writeRegister(i, &gui[size_t(i)]))
-                        return interfaceError() + QLatin1Char('\n')
+                        return failed() + QLatin1Char('\n')
                                + QStringLiteral("%1 of %2 registers written").arg(i).arg(count);
                     registersWritten = i + 1;
                     if (interrupted)

@@ -333,6 +333,7 @@ private slots:
         write(path("noregs.hex"), ";ZV4280\n//  Clock settings \n\t   //Reg40 5A\n");
         write(path("beyond.hex"), ";ZV4280\nReg40\t5A\nReg291\t01\n");
         write(path("load.hex"), ";ZV4280\nReg40\t5A\n");
+        write(path("odd.hex"), ";ZV4280\nReg12 ZZ\nReg40\t5A\n");
         for (QString row : dataRows("ctl_failures.txt")) {
             const QStringList f = row.replace("DIR/", dir.path() + "/").split('\t');
             for (bool json : {false, true})
@@ -436,6 +437,13 @@ private slots:
             QCOMPARE(written().size(), count);
             bus->clearWireLog();
         }
+        // With --lenient a line that is no plain line goes as it reads, and is named.
+        write(path("odd.hex"), ";ZV4280\nReg12 ZZ\nReg40\t5A\n");
+        bus->chip(board).setReg(12, 0x77);
+        const Run lenient = ctl({"load", path("odd.hex"), "--pause", "0", "--lenient"}, true);
+        QVERIFY(done(lenient, true));
+        QCOMPARE(lenient.json().value("oddLines").toVariant(), (QVariantList{QVariantMap{{"line", 2}, {"text", "Reg12 ZZ"}}}));
+        QCOMPARE(bus->chip(board).reg(12), quint8(0));
     }
 
     // Only the registers where the chip differs from the base file.

@@ -1,6 +1,7 @@
 #include "boardsupport.h"
 #include "clerk.h"
 #include "gui_save.h"
+#include "operation_status.h"
 #include "service_block.h"
 
 // The file commands of the real main window on a simulated board: file to
@@ -53,43 +54,57 @@ private slots:
     }
     void cleanupTestCase() { delete main; }
 
-    // F6 and F7 through their dialogs, answered as a user types a path: the
-    // folder of the file becomes the next dialog's, the load titles the window.
+    // F6 and F7 through their dialogs, answered as a user types a path: a name without an extension
+    // gets ".hex", and with "Merge file" on the dialog does not ask to replace it; the folder of the
+    // file becomes the next dialog's; a load titles the window, a refused one leaves the title, and
+    // the status line names the lines that are no plain lines.
     void throughDialogs()
     {
-        for (bool save : {true, false}) {
+        write(path("odd.hex"), ";ZV4280\nReg12 ZZ\nReg40\t5A\n");
+        write(path("empty.hex"), "");
+        QStringList titles, lines;
+        ModalCatcher catcher;
+        for (const char* typed : {"dialog", "dialog", "odd.hex", "empty.hex"}) {
             auto* poll = new QTimer(this);
-            connect(poll, &QTimer::timeout, [this, poll] {
+            connect(poll, &QTimer::timeout, [this, poll, typed] {
                 for (QWidget* w : QApplication::topLevelWidgets())
                     if (auto* dialog = qobject_cast<QFileDialog*>(w); dialog && dialog->isVisible()) {
-                        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path("dialog.hex"));
+                        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path(typed));
                         QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
                         poll->deleteLater();
                     }
             });
             poll->start(20);
             main->lastPath = QDir::rootPath();
-            save ? main->on_action_GUIFILE_triggered() : main->on_action_FILEGUI_triggered();
+            titles << main->windowTitle();
+            QString(typed) == "dialog" ? main->on_action_GUIFILE_triggered() : main->on_action_FILEGUI_triggered();
             QVERIFY(waitIdle(main));
             QCOMPARE(main->lastPath, dir.path() + "/");
+            lines << main->operationStatus->text();
+            set("MergeFile", 1);
         }
-        QCOMPARE(main->windowTitle(), "ZV4280(v2/v3) TB 1.0.3" + path("dialog.hex"));
+        QCOMPARE(read(path("dialog.hex")).count(";ZV4280\n"), 2);
+        QCOMPARE(catcher.texts, QStringList{"\"" + path("empty.hex") + "\" is empty; a settings file holds register lines"});
+        const QString title = "ZV4280(v2/v3) TB 1.0.3" + path("odd.hex");
+        QCOMPARE(titles.mid(1) << main->windowTitle(), QStringList({titles.first(), titles.first(), title, title}));
+        QVERIFY2(lines[2].endsWith("; 1 line is no plain register line: line 2 \"Reg12 ZZ\""), qPrintable(lines[2]));
+        QVERIFY2(lines[3].startsWith("File load failed after "), qPrintable(lines[3]));
     }
 
     // Each section goes to the chip as one block, in file order, after a
     // pause of its own (a map line or register -1); a register may be
-    // written twice.
+    // written twice, and a value that is no byte goes as a reader reads it.
     void fileToChipInSections()
     {
         write(path("two.hex"),
-              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\n// Reg99 77\n;ZV4280.2\nReg30\t33\nReg-1 00\nReg32\t44\n");
+              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\nReg12 5F5\n// Reg99 77\n;ZV4280.2\nReg30\t33\nReg-1 00\nReg32\t44\n");
         set("PauseTimer", 60);
         bus->clearWireLog();
         QElapsedTimer clock;
         clock.start();
         QCOMPARE(run(3, path("two.hex")), QString());
         QVERIFY(clock.elapsed() >= 180);
-        QCOMPARE(sent().mid(1), QList<QByteArray>({QByteArray::fromHex("1506001E11001F22"),
+        QCOMPARE(sent().mid(1), QList<QByteArray>({QByteArray::fromHex("1509001E11001F22000CF5"),
                                                    QByteArray::fromHex("1503001E33"), QByteArray::fromHex("1503002044")}));
         QCOMPARE(bus->chip(board).reg(30), quint8(0x33));
         QCOMPARE(bus->chip(board).reg(31), quint8(0x22));
@@ -138,7 +153,7 @@ private slots:
 
     // Files that no load takes are refused whole, before anything is sent
     // or applied: by F5, F7 and F9 alike a file that is none, and by F9 a
-    // register line that is no register or no byte, with the line named.
+    // register line that is no register, with the line named.
     void refusedFiles_data()
     {
         QTest::addColumn<int>("command");
@@ -151,10 +166,7 @@ private slots:
             {"Reg99999999999 05", "no register \"99999999999\": registers are 0 to 290"},
             {"Reg16500 01", "no register \"16500\": registers are 0 to 290"},
             {"Reg-2 05", "no register \"-2\": registers are 0 to 290"},
-            {"Reg12 1FF", "the value \"1FF\" is no byte: one or two hex digits, 00 to FF"},
-            {"Reg12 ZZ", "the value \"ZZ\" is no byte: one or two hex digits, 00 to FF"},
-            {"Reg12 -5", "the value \"-5\" is no byte: one or two hex digits, 00 to FF"},
-            {"Reg12", "the value \"\" is no byte: one or two hex digits, 00 to FF"}};
+            {"RegX 05", "no register \"X\": registers are 0 to 290"}};
         for (auto [line, why] : lines)
             QTest::addRow("command 3, %s", line) << 3 << ";ZV4280v2\nReg20 55\n" + QByteArray(line) + "\nReg21 66\n"
                                                  << QString("FILE, line 3: %1 (\"%2\")").arg(why, line);
@@ -203,7 +215,8 @@ private slots:
         bus->chip(board).setReg(40, 0);
         map->guiImage[40] = 0;
         const QByteArray images = image(map->guiImage) + image(map->cfgImage);
-        QCOMPARE(run(command, path("names.hex")), accepted ? QString() : "RegMap name is incorrect\nor not exist");
+        const QString needs = command == 3 ? "\n" + path("names.hex") + " needs the map line ;ZV4280v2" : "";
+        QCOMPARE(run(command, path("names.hex")), accepted ? QString() : "RegMap name is incorrect\nor not exist" + needs);
         const quint8 landed = command == 3 ? bus->chip(board).reg(40) : map->guiImage[40];
         QCOMPARE(landed, quint8(accepted ? 0x5A : 0));
         if (!accepted)
@@ -265,6 +278,7 @@ private slots:
         QCOMPARE(read(path("gui.hex")), before);
         QVERIFY(QDir(dir.path()).mkpath("taken.hex"));
         QCOMPARE(run(6, path("taken.hex")), QStringLiteral("\".hex\" file is not available"));
+        QCOMPARE(run(4, path("no/such.hex")), "\".hex\" file is not available\nthe folder \"" + path("no") + "\" does not exist");
         QVERIFY(QFileInfo(path("taken.hex")).isDir());
     }
 };

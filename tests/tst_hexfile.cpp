@@ -5,6 +5,7 @@
 #include "hex_reader.h"
 #include "hex_writer.h"
 #include "register_names.h"
+#include "odd_lines.h"
 #include "save_filter.h"
 #include "testsupport.h"
 
@@ -20,20 +21,26 @@ class tst_hexfile : public QObject
 
     QString path(const QString& name) const { return dir.filePath(name); }
     // What the load commands find in a file: ";name" for a map line, "n=VV" for a usable register
-    // line, "?" for a register line they cannot use; or why they refuse it ("FILE" standing for its path).
+    // line, "?" for a register line they cannot use, each behind a "!" when the line is no plain line
+    // (a lone "!" for any other line); or why they refuse it ("FILE" standing for its path).
     static QString seen(const QString& file)
     {
         QStringList lines, out;
         QString refusal;
         if (!HexReader::readLines(file, &lines, &refusal))
             return refusal.isEmpty() ? "<unreadable>" : refusal.replace(file, "FILE");
-        for (const QString& line : lines) {
+        QSet<int> odd;
+        for (const OddLines::Line& l : OddLines::find(lines, 291))
+            odd << l.number - 1;
+        for (int i = 0; i < lines.size(); ++i) {
+            const QString& line = lines.at(i), mark = odd.contains(i) ? "!" : "";
             if (HexFormat::classify(line) == HexFormat::LineKind::Map)
-                out << ";" + HexFormat::mapName(line);
+                out << mark + ";" + HexFormat::mapName(line);
             else if (HexFormat::classify(line) == HexFormat::LineKind::Register) {
                 const auto r = HexFormat::readRegister(line);
-                out << (r ? QString("%1=%2").arg(r->number).arg(uint(r->value), 2, 16, QChar('0')).toUpper() : "?");
-            }
+                out << mark + (r ? QString("%1=%2").arg(r->number).arg(uint(r->value), 2, 16, QChar('0')).toUpper() : "?");
+            } else if (!mark.isEmpty())
+                out << mark;
         }
         return out.join(' ');
     }
@@ -130,30 +137,30 @@ private slots:
         QTest::addColumn<QByteArray>("file");
         QTest::addColumn<QString>("expected");
         QTest::newRow("four equivalent lines") << QByteArray("Reg12 0x5F\nReg12\t5F //text\nReg 12 &5f\nReg12 5F 77\n")
-                                               << "12=5F 12=5F 12=5F 12=5F";
+                                               << "12=5F 12=5F 12=5F !12=5F";
         QTest::newRow("indented, trailing blanks") << QByteArray("   Reg3 0A   \n\t\tReg4\t0B\t \n") << "3=0A 4=0B";
-        QTest::newRow("lower-case reg") << QByteArray("reg12 5F\nREG12 5F\nReg1 02\n") << "1=02";
-        QTest::newRow("four digits") << QByteArray("Reg7 1234\nReg8\t0x1FF\n") << "7=34 8=FF";
+        QTest::newRow("lower-case reg") << QByteArray("reg12 5F\nREG12 5F\nReg1 02\n") << "! ! 1=02";
+        QTest::newRow("four digits") << QByteArray("Reg7 1234\nReg8\t0x1FF\n") << "!7=34 !8=FF";
         QTest::newRow("comments holding Reg") << QByteArray("//  Reg9 01\n\t   //Reg9 02 & 0x03\n// Reg 5 6\nReg1 02") << "1=02";
         QTest::newRow("map lines") << QByteArray(";\n;ZV4280\n;ZV4280.2\n  ;ZV4280v2 \nReg1 02") << "; ;ZV4280 ;ZV4280v2 ;ZV4280v2 1=02";
         const QString none = "\"FILE\" holds no register line", binary = "\"FILE\" is not a text file";
-        QTest::newRow("empty file") << QByteArray() << none;
-        QTest::newRow("line ends only") << QByteArray("\n\r\n\n") << none;
+        QTest::newRow("empty file") << QByteArray() << "\"FILE\" is empty; a settings file holds register lines";
+        QTest::newRow("line ends only") << QByteArray("\n\r\n\n") << "\"FILE\" is empty; a settings file holds register lines";
         QTest::newRow("map line and comments only") << QByteArray(";ZV4280\n//  Clock settings \n\t   //Reg40 5A\nReg\n") << none;
         QTest::newRow("unusable register lines")
             << QByteArray("Reg\nReg12\nRegX 5F\nReg12 ZZ\nReg-3 5F\nReg-1 00\nReg99999999999 5F\nReg12 123456789AB\nhi Reg1 2\n")
-            << "? ? 0=5F 12=00 -3=5F -1=00 0=5F 12=00";
+            << "!? !? !0=5F !12=00 !-3=5F -1=00 !0=5F !12=00 !";
         static const char bytes[] = "\x00\xff\xfe\x01Reg1 1\nReg\x00\n\xc3\x28Reg2 2\nReg5 A1\nReg6 \xff 7\nReg7 5F\x00\n";
         QTest::newRow("binary") << QByteArray(bytes, sizeof bytes - 1) << binary;
         static const char few[] = "Reg5 A1\nReg6 \xff 7\nReg7 5F\x00\nReg8 C3\nReg9 D4\n";
-        QTest::newRow("a few lines not UTF-8") << QByteArray(few, sizeof few - 1) << "5=A1 6=00 7=00 8=C3 9=D4"; // NUL is no digit
+        QTest::newRow("a few lines not UTF-8") << QByteArray(few, sizeof few - 1) << "5=A1 !6=00 !7=00 8=C3 9=D4"; // NUL is no digit
         static const char utf16[] = "\xff\xfeR\0e\0g\0001\0 \0002\0\n\0", bare16[] = "R\0e\0g\0001\0 \0002\0\n\0R\0e\0g\0002\0";
         QTest::newRow("UTF-16") << QByteArray(utf16, sizeof utf16 - 1)
                                 << "\"FILE\" is UTF-16 text; a settings file is UTF-8 or plain ASCII";
         QTest::newRow("UTF-16 without a mark") << QByteArray(bare16, sizeof bare16 - 1) << binary;
         QTest::newRow("very long lines") << "Reg5 A1 //" + QByteArray(1 << 18, 'x') + "\n" + QByteArray(1 << 17, ' ')
                                                 + "Reg6 B2\nReg7 " + QByteArray(1 << 17, '9') + "\nReg8 C3"
-                                         << "5=A1 6=B2 7=00 8=C3";
+                                         << "5=A1 6=B2 !7=00 8=C3";
         QTest::newRow("over 1 MiB") << "Reg5 A1\n" + QByteArray(HexReader::kLargestFile - 7, '\n')
                                     << "\"FILE\" is larger than 1 MiB; a settings file is a few kilobytes";
         QTest::newRow("CRLF") << QByteArray(";ZV4280\r\nReg1\t02 //a\r\nReg2\t03\r\n") << ";ZV4280 1=02 2=03";

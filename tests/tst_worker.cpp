@@ -1,6 +1,7 @@
 #include "engine/form_model.h"
 #include "boardsupport.h"
 #include "clerk.h"
+#include "operation_status.h"
 #include "service_block.h"
 
 // The operations of the real main window on a simulated board: chip read and
@@ -176,9 +177,19 @@ private slots:
 #include "engine/form_model.h"
     void changesOnlyWrite()
     {
+        // A chip not read since its board came is not known: changes only
+        // sends every register in the write style, and the status line says so.
+        bus->removeBoard(board);
+        board = bus->addBoard({0x2976, 3, 1, 9});
+        set("InteractiveRefresh", 0);
+        bus->clearWireLog();
+        QCOMPARE(run("action_GUIIC"), QStringList());
+        QCOMPARE(sent().size(), 1 + 30);
+        QVERIFY(main->operationStatus->text().startsWith("Chip write: 291 registers to board 2976 3 1 9, "));
+        QVERIFY(main->operationStatus->text().endsWith(": all 291 registers were written"));
+        QCOMPARE(main->service->findChild<QComboBox*>("flag_currentInterface")->currentText(), "2976 3 1 9 ");
         fillChip();
         read();
-        set("InteractiveRefresh", 0);
         bus->clearWireLog();
         const int opens = bus->opens(board);
         QCOMPARE(run("action_GUIIC"), QStringList());
@@ -278,6 +289,9 @@ private slots:
         const QStringList messages = read();
         QVERIFY2(messages.size() == 1 && messages.first().startsWith(message), qPrintable(messages.join('|')));
         QCOMPARE(images(), before);
+        // Nothing stands for the chip that could not be read; the failure stays in the status line.
+        QCOMPARE(main->model()->bulb(main->model()->indexOf("AOK_ZV4280v2")), Bulb::Disabled);
+        QVERIFY(main->operationStatus->text().startsWith("Chip read failed after ") && main->operationStatus->text().contains(message));
         QVERIFY(!main->worker && !progressShown());
         if (fault != "unplug") {
             QCOMPARE(read(), QStringList());
@@ -286,7 +300,7 @@ private slots:
     }
 
     // After F5 has loaded the file the chip's own status fields show that
-    // they are unknown; the displays keep what the rules made of the file.
+    // they are unknown, and every display with a rule shows its field.
     void loadMarksStatusUnknown()
     {
         std::fill(map->cfgImage, map->cfgImage + map->registerCount, 0xEE);
@@ -294,21 +308,26 @@ private slots:
         for (const part* p : main->outputs)
             if (p->widget->property("text").toString() == "n/a")
                 unknownBefore << p->widget->objectName();
+            else if (p->widget->objectName().endsWith("_Expression"))
+                main->model()->setText(p->widget->objectName(), QString());
         QCOMPARE(run("action_load_default"), QStringList());
         QCOMPARE(map->cfgImage[11], quint8(4)); // the C-divider of default.hex
         QCOMPARE(main->windowTitle(), QStringLiteral("ZV4280(v2/v3) TB 1.0.3"));
         const QImage disabled = QPixmap(":/Bulb-disabled.png").toImage();
-        int bulbs = 0, fields = 0;
+        int bulbs = 0, fields = 0, displays = 0;
         for (const part* p : main->outputs) {
             const QString name = p->widget->objectName(), text = p->widget->property("text").toString();
             if (auto* bulb = qobject_cast<QLabel*>(p->widget))
                 bulbs += bulb->pixmap(Qt::ReturnByValue).toImage() == disabled;
             else if (!name.endsWith("_Expression"))
                 fields += text == "n/a";
-            else
-                QVERIFY2(text != "n/a" || unknownBefore.contains(name), qPrintable(name));
+            else {
+                QVERIFY2(text != "n/a" || unknownBefore.contains(name) || name.startsWith("TS_code"), qPrintable(name));
+                displays += !text.isEmpty();
+            }
         }
         QCOMPARE(QPair(bulbs, fields), QPair(32, 46));
+        QCOMPARE(displays, 88);
     }
 
     // After a read that changed no register no widget fires, and yet every

@@ -6,6 +6,7 @@
 #include "app/undo_actions.h"
 #include "app/usb_log_dock.h"
 #include "app/view_menu.h"
+#include "app/operation_status.h"
 #include "engine/form_model.h"
 #include "mapshow.h"
 #include "part.h"
@@ -22,6 +23,7 @@
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QToolBar>
 
 const char* const kWindowTitle = "ZV4280(v2/v3) TB 1.0.3";
@@ -254,6 +256,8 @@ void MainClass::setDefaultState()
     ui->toolBar_RegWindow->addWidget(progressBar);
     progressBar->setMaximumWidth(100);
     ui->toolBar_RegWindow->actions().last()->setVisible(false);
+    operationStatus = new OperationStatus(this);
+    statusBar()->addWidget(operationStatus, 1);
 
     worker = nullptr;
     showOperationCount();

@@ -12,6 +12,7 @@
 class BenchMenu;
 class FormBinding;
 class FormModel;
+class OperationStatus;
 class QAction;
 class QProgressBar;
 class UndoActions;
@@ -65,6 +66,8 @@ public:
     QProgressBar* progressBar = nullptr;
     // Find a field, Compare and Export, with their keys.
     BenchMenu* tools = nullptr;
+    // The status bar's line: how the last operation ended.
+    OperationStatus* operationStatus = nullptr;
 
     // The first register map, which all map-wide operations serve.
     mapshow* firstMap() const;
@@ -89,8 +92,8 @@ public:
     // from the widgets now. The caller connects it, starts it and owns it.
     clerk* newWorker(clerk::Command command, const PanelSettings& settings, const QString& fileName = QString());
     // The widgets' side of a command that ended well: after a read or a load
-    // the widgets show guiImage, a load marks the chip-only status fields
-    // "n/a", any other command recomputes the spin boxes' displays.
+    // the widgets show guiImage, the spin boxes' displays are recomputed, and
+    // a load marks the chip-only status fields "n/a".
     void showOperationResult(clerk::Command command);
 
     // Chip to file, from the service panel's (hidden) button. A plain member
@@ -132,6 +135,8 @@ private:
     void bindForms();
 
     Ui::MainClass* ui;
+    // The title that F7 or F9 gives once its file has been loaded.
+    QString titleAfterLoad;
     std::unique_ptr<FormModel> formModel;
     std::unique_ptr<FormBinding> binding;
     std::unique_ptr<UndoActions> undoActions;

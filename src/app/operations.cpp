@@ -4,8 +4,8 @@
 #include "MainClass.h"
 #include "ui_MainClass.h"
 
+#include "app/operation_status.h"
 #include "app/undo_actions.h"
-
 #include "clerk.h"
 #include "engine/form_model.h"
 #include "mapshow.h"
@@ -23,6 +23,7 @@
 #include <QTimer>
 #include <QToolBar>
 
+#include <utility>
 #include <vector>
 
 namespace {
@@ -65,6 +66,7 @@ void MainClass::startOperation(Command command, const QString& fileName)
     progressAction()->setVisible(true);
     running = true;
     runningCommand = command;
+    operationStatus->started();
     ++operationsStarted;
     showOperationCount();
     if (undoActions)
@@ -89,12 +91,18 @@ clerk* MainClass::newWorker(Command command, const PanelSettings& settings, cons
 
 // Asks for a file in lastPath; empty when the user cancelled. Backslashes
 // become slashes, and lastPath follows the chosen folder unless `keepFolder`
-// is off.
+// is off. A name to save to without an extension gets ".hex"; with "Merge
+// file" on the save appends, so the dialog does not ask to replace the file.
 QString MainClass::askFile(bool save, const QString& caption, bool keepFolder)
 {
-    const QString filter = tr("Map files (*.hex)");
-    QString path = save ? QFileDialog::getSaveFileName(this, caption, lastPath, filter)
-                        : QFileDialog::getOpenFileName(this, caption, lastPath, filter);
+    QFileDialog dialog(this, caption, lastPath, tr("Map files (*.hex)"));
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    if (save) {
+        dialog.setDefaultSuffix(QStringLiteral("hex"));
+        dialog.setOption(QFileDialog::DontConfirmOverwrite, service->panelSettings().mergeFile);
+    }
+    QString path = dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));
     if (keepFolder && !path.isEmpty())
         lastPath = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
@@ -127,7 +135,7 @@ void MainClass::openFileFor(Command command)
     if (path.isEmpty())
         return;
     startOperation(command, path);
-    setWindowTitle(QLatin1String(kWindowTitle) + path);
+    titleAfterLoad = QLatin1String(kWindowTitle) + path;
 }
 
 void MainClass::on_action_FILEGUI_triggered()
@@ -172,7 +180,15 @@ void MainClass::error_message(QString m)
 {
     if (!running)
         return; // a second end message of an operation already ended
+    operationStatus->ended(OperationStatus::outcomeOf(worker, runningCommand), m);
+    service->followBoards();
+    const QString title = std::exchange(titleAfterLoad, QString());
     if (!m.isEmpty()) {
+        // A read that failed leaves nothing the chip alone can tell standing:
+        // no status bulb may stand for a chip that cannot be reached.
+        if (formModel && worker && (worker->command == Command::ChipToGui || worker->command == Command::ChipToFile)
+            && m != tr("Interrupted"))
+            formModel->markChipOnly();
         // The box waits for the user; until it closes the operation counts
         // as running, so a repeat-read timer that fires behind it only stops.
         showModal(m);
@@ -186,6 +202,8 @@ void MainClass::error_message(QString m)
     // still there, as its deletion is queued behind this message.
     const Command cmd = worker ? worker->command : runningCommand;
     mapshow* map = firstMap();
+    if (!title.isEmpty())
+        setWindowTitle(title);
     showOperationResult(cmd);
     if (cmd == Command::ChipToGui || cmd == Command::FileToGui) {
         const PanelSettings settings = service->panelSettings();
@@ -225,14 +243,13 @@ void MainClass::showOperationResult(Command command)
     }
     if (!formModel)
         return;
-    // A file cannot tell what the chip's status fields read: they show "n/a"
-    // and the bulbs the disabled picture until the next read. After anything
-    // else the spin boxes with a display recompute it, even when their value
-    // did not change.
+    // The spin boxes with a display recompute it, even when their value did
+    // not change. A file cannot tell what the chip's status fields read:
+    // after a load they show "n/a" and the bulbs the disabled picture until
+    // the next read.
+    formModel->fireDisplays();
     if (command == Command::FileToGui)
         formModel->markChipOnly();
-    else
-        formModel->fireDisplays();
     if (undoActions)
         undoActions->operationShown(command);
 }

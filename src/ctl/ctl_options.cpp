@@ -59,11 +59,14 @@ const QList<Command>& commands()
          "       \"kind\": \"combobox\", \"editable\": true, \"inverted\": false, \"min\": 0, \"max\": 1,\n"
          "       \"items\": [\"single\", \"continuous\"]}]}  (\"items\" for combo boxes only; kind is one of\n"
          "       checkbox, combobox, spinbox, label, lineedit)\n"},
-        {"load", "load FILE [--pause MS]", "file to chip", 1, 1, {"pause"},
+        {"load", "load FILE [--pause MS] [--lenient]", "file to chip", 1, 1, {"pause", "lenient"},
          "Sends the registers of a .hex file to the chip in file order, each section (what follows a\n"
          "map line) as one block after a pause (--pause, default 200 ms). The file is checked first:\n"
-         "a missing or unreadable file, a map name that is not ZV4280, a register beyond 290 or a\n"
-         "file without any register line is refused and nothing reaches the chip.\n"
+         "a missing, unreadable, empty or binary file, a map name that is not ZV4280, a register\n"
+         "beyond 290 or a file without any register line is refused and nothing reaches the chip,\n"
+         "and so (exit status 2, the lines named) is a line that is no plain register, map or \"//\"\n"
+         "line, such as \"Reg12 ZZ\", unless --lenient is given: then such lines go as they read\n"
+         "(\"Reg12 ZZ\" as 0, \"Reg12 5F5\" as F5) and the JSON names them under \"oddLines\".\n"
          "JSON: {\"file\": \"settings.hex\", \"registers\": 107}\n"},
         {"save", "save FILE [--all] [--comments] [--changes-only [--base FILE]]", "chip to file, as F6 saves", 1, 1,
          {"all", "comments", "changes-only", "base"},
@@ -154,9 +157,10 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     const QCommandLineOption outputOption(QStringList{QStringLiteral("o"), QStringLiteral("output")}, QString(),
                                           QStringLiteral("FILE"));
     const QCommandLineOption traceOption(QStringLiteral("trace"));
+    const QCommandLineOption lenientOption(QStringLiteral("lenient"));
     parser.addOptions({jsonOption, boardOption, calibrationOption, helpOption, styleOption, commentsOption, changesOption,
                        allOption, baseOption, pauseOption, listenOption, matchOption, formatOption, sourceOption,
-                       outputOption, traceOption});
+                       outputOption, traceOption, lenientOption});
     // Known before the parse, so that a refusal of the command line is told
     // as the command's own, and in JSON when --json is among the arguments.
     for (const QString& a : programArguments.mid(1)) {
@@ -194,6 +198,7 @@ bool CtlOptions::parse(const QStringList& programArguments, QString* error)
     source = parser.value(sourceOption);
     output = parser.value(outputOption);
     trace = parser.isSet(traceOption);
+    lenient = parser.isSet(lenientOption);
     if (arguments.isEmpty()) {
         if (help)
             return true;

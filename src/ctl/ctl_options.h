@@ -26,6 +26,7 @@ public:
     QString format;         // export --format c|csv|json
     QString source;         // export --source chip|FILE
     QString output;         // export -o FILE
+    bool lenient = false;   // load --lenient
 
     // Reads the arguments of the program (the program's name first); false
     // with a message on bad usage.

@@ -99,7 +99,7 @@ int CtlProgram::run(const QStringList& programArguments)
     if (command == QLatin1String("field"))
         return fields.field(args);
     if (command == QLatin1String("load"))
-        return files.load(args.at(0), options.pause);
+        return files.load(args.at(0), options.pause, options.lenient);
     if (command == QLatin1String("serve"))
         return ServeCommand(session, out).run(options.listen);
     if (command == QLatin1String("diff"))

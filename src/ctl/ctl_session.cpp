@@ -61,9 +61,8 @@ QString CtlSession::run(clerk::Command command, const QString& fileName, bool in
     const clerk::Command ended = worker.command;
     if (ended == clerk::Command::ChipToGui || ended == clerk::Command::FileToGui)
         forms.push(map.guiImage);
+    forms.fireDisplays();
     if (ended == clerk::Command::FileToGui)
         forms.markChipOnly();
-    else
-        forms.fireDisplays();
     return message;
 }

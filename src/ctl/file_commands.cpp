@@ -10,6 +10,8 @@
 #include "engine/chip_owned.h"
 #include "engine/register_images.h"
 
+#include <QJsonArray>
+#include <QJsonObject>
 #include <algorithm>
 #include <cstring>
 
@@ -23,27 +25,38 @@ int FileCommands::boardFailure(const QString& what)
 
 // A load takes what a save writes: every map line names the chip (";ZV4280",
 // ";ZV4280v2", ";ZV4280.2", read as a load into the forms reads them), every
-// register line holds one of the chip's registers and a byte, and one
-// register line at least is there.
-int FileCommands::checkLoad(const QString& file, int* status)
+// register line holds one of the chip's registers, and one register line at
+// least is there; and, unless lenient, no line is other than plain.
+int FileCommands::checkLoad(const QString& file, bool lenient, int* status)
 {
     const RegisterImages& map = session.images();
     QVector<HexEntries::Entry> entries;
+    QVector<OddLines::Line> odd;
     QString refusal;
-    if (!HexEntries::read(file, map.chipName, map.registerCount, &entries, &refusal)) {
+    if (!HexEntries::read(file, map.chipName, map.registerCount, &entries, &refusal, &odd)) {
         *status = out.fail(CtlExit::Usage, refusal);
         return -1;
     }
+    if (!odd.isEmpty() && !lenient) {
+        *status = out.fail(CtlExit::Usage, QStringLiteral("\"%1\": %2; --lenient loads such lines as they read")
+                                               .arg(file, OddLines::describe(odd, 5)));
+        return -1;
+    }
+    QJsonArray oddLines;
+    for (const OddLines::Line& l : odd)
+        oddLines.append(QJsonObject{{QStringLiteral("line"), l.number}, {QStringLiteral("text"), l.text}});
+    if (!odd.isEmpty())
+        out.set(QStringLiteral("oddLines"), oddLines);
     return int(std::count_if(entries.cbegin(), entries.cend(), [](const HexEntries::Entry& e) { return !e.isPause(); }));
 }
 
-int FileCommands::load(const QString& file, const QString& pause)
+int FileCommands::load(const QString& file, const QString& pause, bool lenient)
 {
     qint64 pauseMs = -1;
     if (!pause.isEmpty() && (!CtlOptions::number(pause, &pauseMs) || pauseMs > 999999))
         return out.fail(CtlExit::Usage, QStringLiteral("--pause takes milliseconds, 0 to 999999; not \"%1\"").arg(pause));
     int status = 0;
-    const int registers = checkLoad(file, &status);
+    const int registers = checkLoad(file, lenient, &status);
     if (registers < 0)
         return status;
 

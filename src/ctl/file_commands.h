@@ -12,16 +12,17 @@ class FileCommands
 public:
     FileCommands(CtlSession& session, CtlOutput& out);
 
-    // "load FILE [--pause MS]": the file checked, then the worker's file to
-    // chip (command 3).
-    int load(const QString& file, const QString& pause);
+    // "load FILE [--pause MS] [--lenient]": the file checked, then the
+    // worker's file to chip (command 3). A line that is no plain line
+    // refuses the file, unless lenient.
+    int load(const QString& file, const QString& pause, bool lenient = false);
     // "save FILE [--all] [--comments] [--changes-only [--base FILE]]": the chip read
     // into the forms (command 1), then the worker's GUI to file (command 6).
     int save(const QString& file, bool comments, bool changesOnly, const QString& base, bool all);
 
 private:
     // The register lines of a file that a load may send; -1 after a refusal.
-    int checkLoad(const QString& file, int* status);
+    int checkLoad(const QString& file, bool lenient, int* status);
     int boardFailure(const QString& what);
 
     CtlSession& session;

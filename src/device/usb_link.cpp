@@ -57,6 +57,8 @@ bool usb_link::scanDevices()
     }
     libusb_free_device_list(list, 1);
     libusb_exit(nullptr);
+    seen = deviceList;
+    seen.sort();
     return true;
 }
 
@@ -156,6 +158,18 @@ void usb_link::releaseBoard()
     QMutexLocker guard(&lock);
     if (holds > 0 && --holds == 0)
         heldKey.clear();
+}
+
+QString usb_link::heldBoard() const
+{
+    QMutexLocker guard(&lock);
+    return heldKey;
+}
+
+QStringList usb_link::boardsSeen() const
+{
+    QMutexLocker guard(&lock);
+    return seen;
 }
 
 bool usb_link::addressesFit(int first, int last)

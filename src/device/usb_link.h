@@ -72,6 +72,12 @@ public:
     // releaseBoard() ends the one taken last.
     void holdBoard();
     void releaseBoard();
+    // The board held (its key), once the first operation of the hold has
+    // opened it; empty otherwise.
+    QString heldBoard() const;
+    // The bridge boards on the bus as the last register operation or device
+    // scan found them (keys in rising order).
+    QStringList boardsSeen() const;
 
     // The vendor identifier of every bridge board; the product may be any.
     static constexpr quint16 kBridgeVendor = 0x2976;
@@ -129,6 +135,7 @@ private:
     QString refused;
     int holds = 0;
     QString heldKey;     // the board held, once the first operation opened it
+    QStringList seen;    // the boards on the bus at the last look
     bool stalled = false; // an endpoint stalled: the next open clears the halts
     std::atomic<UsbFrameObserver*> frameObserver{nullptr};
 };

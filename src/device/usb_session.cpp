@@ -59,6 +59,7 @@ void UsbSession::openDevice()
                                                quint8(libusb_get_device_address(devices[i]))),
                            devices[i]);
         }
+        link.seen = bridges.keys();
         if (link.holds > 0 && !link.heldKey.isEmpty()) {
             if (!bridges.contains(link.heldKey)) {
                 link.refused = bridges.isEmpty() ? QStringLiteral("the board has left the bus")

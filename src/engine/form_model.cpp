@@ -256,6 +256,8 @@ void FormModel::markChipOnly()
             setText(e.objectName, QStringLiteral("n/a"));
         }
     }
+    // The temperature is the chip's alone too.
+    showOutput(QStringLiteral("TS_code_") + cat.chipName(), QStringLiteral("n/a"));
 }
 
 void FormModel::fireDisplays()

@@ -101,7 +101,8 @@ public:
     void showImage(int field, const quint8* image);
     // Every field shown from a copy of `image`, in key order.
     void push(const quint8* image);
-    // After a load: what only the chip can tell shows "n/a" and grey bulbs.
+    // After a load or a failed read: what only the chip can tell (identity,
+    // release, status, temperature) shows "n/a" and grey bulbs.
     void markChipOnly();
     // The spin boxes with a display run their change again, so that each
     // display shows its field's code.

@@ -44,6 +44,13 @@ public:
 
     ImageListener* listener = nullptr;
 
+    // The board (usb_link's key) whose chip icImage stands for, once that
+    // chip has been read or written in full; empty while the chip is not
+    // known. A replugged board comes back under another key, so a replug or
+    // another board makes the chip unknown again.
+    QString knownBoard;
+    bool chipKnownOn(const QString& board) const { return !board.isEmpty() && board == knownBoard; }
+
     static int getBit(const quint8* image, qint32 position);
     static void setBit(quint8* image, qint32 position, int value);
     // A run of guiImage, and whether it differs from the same run of icImage.

@@ -5,7 +5,7 @@
 #include "hex_reader.h"
 
 bool HexEntries::read(const QString& path, const QString& chipName, quint32 registerCount, QVector<Entry>* entries,
-                      QString* error)
+                      QString* error, QVector<OddLines::Line>* odd)
 {
     QStringList lines;
     QString refusal;
@@ -27,7 +27,7 @@ bool HexEntries::read(const QString& path, const QString& chipName, quint32 regi
             entries->append(Entry());
             break;
         case HexFormat::LineKind::Register: {
-            const QString fault = HexFormat::chipLineFault(line, int(registerCount));
+            const QString fault = HexFormat::numberFault(line, int(registerCount));
             if (!fault.isEmpty()) {
                 *error = HexFormat::refusedLine(path, i + 1, line, fault);
                 return false;
@@ -39,6 +39,13 @@ bool HexEntries::read(const QString& path, const QString& chipName, quint32 regi
         case HexFormat::LineKind::Other:
             break;
         }
+    }
+    const QVector<OddLines::Line> found = OddLines::find(lines, int(registerCount));
+    if (odd)
+        *odd = found;
+    else if (!found.isEmpty()) {
+        *error = QStringLiteral("\"%1\": %2").arg(path, OddLines::describe(found, 5));
+        return false;
     }
     return true;
 }

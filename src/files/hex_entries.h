@@ -7,6 +7,8 @@
 #include <QString>
 #include <QVector>
 
+#include "odd_lines.h"
+
 class HexEntries
 {
 public:
@@ -22,9 +24,11 @@ public:
 
     // Reads `path`; false with the reason when it is no settings file of
     // this chip: unreadable, a map line naming another chip, a register
-    // line that is no register of 0 to registerCount - 1 and a byte.
+    // line of no register of 0 to registerCount - 1. Lines that are no
+    // plain lines (OddLines) refuse the file too, unless `odd` is given to
+    // take them: then their values stand as the reader reads them.
     static bool read(const QString& path, const QString& chipName, quint32 registerCount, QVector<Entry>* entries,
-                     QString* error);
+                     QString* error, QVector<OddLines::Line>* odd = nullptr);
     // The image the entries give, later lines winning; registers the file
     // leaves out are 0, and `present` (when given) marks the others.
     static QByteArray image(const QVector<Entry>& entries, quint32 registerCount, QVector<bool>* present = nullptr);

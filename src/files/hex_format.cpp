@@ -26,11 +26,7 @@ QString HexFormat::loadedMapName(const QString& trimmedMapLine)
     return name.contains(QLatin1String("ZV4280")) ? QStringLiteral("ZV4280v2") : name;
 }
 
-namespace {
-
-// A register line with tabs as blanks and "&", "0x" and "Reg" dropped: the
-// register number and the value are its first two pieces.
-QString registerText(const QString& line)
+QString HexFormat::readerText(const QString& line)
 {
     QString text = line;
     text.replace(QLatin1Char('\t'), QLatin1Char(' '));
@@ -39,6 +35,8 @@ QString registerText(const QString& line)
     text.remove(QLatin1String("Reg"));
     return text;
 }
+
+namespace {
 
 // True when text is one or more ASCII digits of the base, 10 or 16.
 bool digitsOnly(const QStringRef& text, int base)
@@ -59,10 +57,10 @@ bool digitsOnly(const QStringRef& text, int base)
 // number (decimal) and the value (hexadecimal). A piece that is no number,
 // or too big a number, counts as 0; the value keeps its low 8 bits.
 // A negative number reads as it stands; file to GUI has no place for it, and
-// file to chip takes no line that chipLineFault finds fault with.
+// file to chip takes no line that numberFault finds fault with.
 std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
 {
-    const QString text = registerText(line);
+    const QString text = readerText(line);
     const QVector<QStringRef> pieces = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
     if (pieces.size() < 2)
         return std::nullopt;
@@ -73,15 +71,24 @@ std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
     return r;
 }
 
-QString HexFormat::chipLineFault(const QString& line, int registerCount)
+QString HexFormat::numberFault(const QString& line, int registerCount)
 {
-    const QString text = registerText(line);
-    const QVector<QStringRef> pieces = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
-    const QStringRef number = pieces.value(0), value = pieces.value(1);
+    const QString text = readerText(line);
+    const QStringRef number = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts).value(0);
     // "-1" is the pause marker a map line also makes: file to chip waits there.
     const bool pause = number == QLatin1String("-1");
     if (!pause && (!digitsOnly(number, 10) || number.size() > 9 || number.toInt() >= registerCount))
         return QStringLiteral("no register \"%1\": registers are 0 to %2").arg(number).arg(registerCount - 1);
+    return QString();
+}
+
+QString HexFormat::chipLineFault(const QString& line, int registerCount)
+{
+    const QString fault = numberFault(line, registerCount);
+    if (!fault.isEmpty())
+        return fault;
+    const QString text = readerText(line);
+    const QStringRef value = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts).value(1);
     if (!digitsOnly(value, 16) || value.size() > 2)
         return QStringLiteral("the value \"%1\" is no byte: one or two hex digits, 00 to FF").arg(value);
     return QString();

@@ -30,6 +30,9 @@ public:
     // holds the chip word "ZV4280" (";ZV4280", ";ZV4280.2") is the map
     // ZV4280v2; other names stand as mapName gives them.
     static QString loadedMapName(const QString& trimmedMapLine);
+    // A register line with tabs as blanks and "&", "0x" and "Reg" dropped:
+    // the register number and the value are its first two pieces.
+    static QString readerText(const QString& line);
     // Reads a register line the lenient way; nothing when the line is not
     // usable.
     static std::optional<Register> readRegister(const QString& line);
@@ -37,6 +40,9 @@ public:
     // it: its number is no register from 0 to registerCount - 1, or its value
     // is no byte of one or two hex digits. Empty when it may.
     static QString chipLineFault(const QString& line, int registerCount);
+    // The first half of that: why the line's number is no register (nor the
+    // pause, -1); empty when it is one.
+    static QString numberFault(const QString& line, int registerCount);
     // A load's refusal of one line of a file: the file, the line's number
     // from 1, why, and the line itself.
     static QString refusedLine(const QString& file, int number, const QString& line, const QString& why);

@@ -38,7 +38,9 @@ bool HexReader::readLines(const QString& path, QStringList* lines, QString* refu
         if (HexFormat::classify(line) == HexFormat::LineKind::Register && HexFormat::readRegister(line))
             ++registers;
     }
-    if (binaries > texts)
+    if (texts + binaries == 0)
+        *refusal = QStringLiteral("\"%1\" is empty; a settings file holds register lines").arg(path);
+    else if (binaries > texts)
         *refusal = QStringLiteral("\"%1\" is not a text file").arg(path);
     else if (registers == 0)
         *refusal = QStringLiteral("\"%1\" holds no register line").arg(path);

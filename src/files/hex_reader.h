@@ -16,8 +16,8 @@ public:
     // white space; false when the file cannot be used. `refusal` then says
     // why, or stays empty when the file cannot be read at all (missing,
     // unreadable, a folder). Refused are files over 1 MiB, UTF-16 text,
-    // binary data (most lines hold a zero byte or are no UTF-8) and files
-    // without a usable register line. Text is UTF-8; in a line that is not,
+    // empty files (nothing but white space), binary data (most lines hold a
+    // zero byte or are no UTF-8) and files without a usable register line. Text is UTF-8; in a line that is not,
     // the bytes that are not are replaced.
     static bool readLines(const QString& path, QStringList* lines, QString* refusal);
 };

@@ -136,6 +136,28 @@ void service_block::fillDevices(const QStringList& devices)
     usb->selectedKey = ui->flag_currentInterface->currentText();
 }
 
+void service_block::followBoards()
+{
+    QStringList shown;
+    for (int i = 0; i < ui->flag_currentInterface->count(); ++i)
+        shown.append(ui->flag_currentInterface->itemText(i));
+    shown.sort();
+    const QStringList seen = usb->boardsSeen();
+    if (seen == shown || ui->flag_interfaceCheck->currentIndex() != 0)
+        return;
+    const QString chosen = usb->selectedKey;
+    fillDevices(seen);
+    if (seen.contains(chosen))
+        ui->flag_currentInterface->setCurrentText(chosen);
+}
+
+void service_block::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (ui->flag_interfaceCheck->currentIndex() == 0 && usb->scanDevices())
+        followBoards();
+}
+
 void service_block::on_search_interface_clicked()
 {
     if (ui->flag_interfaceCheck->currentIndex() != 0)

@@ -30,6 +30,10 @@ public:
 
     // The settings as they stand now, for an operation to take.
     PanelSettings panelSettings() const;
+    // The device list follows the boards that the last register operation
+    // found on the bus (a board replugged comes back under a new key); the
+    // chosen board stays chosen while it is there.
+    void followBoards();
 
 public slots:
     void changeFlag(int value);
@@ -39,6 +43,10 @@ public slots:
     void change_Value(int);
     void on_search_interface_clicked();
     void on_flag_currentInterface_currentIndexChanged(QString arg1);
+
+protected:
+    // Shown, the panel looks at the bus afresh.
+    void showEvent(QShowEvent* event) override;
 
 private:
     void store(QObject* control);

@@ -61,35 +61,50 @@ QString clerk::chipRead()
     }
 
     emit percent_up(75);
-    onGuiThread([map, &buffer, count] {
+    const QString chip = link->heldBoard();
+    onGuiThread([map, &buffer, count, &chip] {
         map->dropOldIC();
         std::memcpy(map->icImage, buffer.data(), size_t(count));
         std::memcpy(map->guiImage, buffer.data(), size_t(count));
+        map->knownBoard = chip;
     });
+    registersRead = count;
     emit percent_up(100);
     return QString();
 }
 
 // GUI to chip, for each register map: all registers in the write style, or
 // only those where guiImage differs from icImage, always in block frames.
-// With read-back the chip is read back after the pause, and the operation
-// ends as a read.
+// Only the changes needs a chip that is known: one read in full from this
+// board (a write leaves icImage as it was); else every register goes, and
+// the remark says so. With read-back the chip is read back after the pause,
+// and the operation ends as a read.
 QString clerk::chipWrite()
 {
     for (RegisterImages* map : qAsConst(maps)) {
         const int count = int(map->registerCount);
         std::vector<quint8> gui(static_cast<size_t>(count)), ic(static_cast<size_t>(count));
+        const QString chip = link->heldBoard();
+        bool known = false;
         onGuiThread([&] {
             std::memcpy(gui.data(), map->guiImage, size_t(count));
             std::memcpy(ic.data(), map->icImage, size_t(count));
+            known = map->chipKnownOn(chip);
         });
 
-        if (!settings.changesOnly) {
+        if (settings.changesOnly && !known)
+            remark = tr("changes only, but the chip was not read since the start or since the board was plugged "
+                        "in: all %1 registers were written").arg(count);
+        if (!settings.changesOnly || !known) {
+            registersWritten = count;
+            // A changes-only write that found the chip unknown fails in its
+            // own words ("Refresh device list" when no board was there).
+            const auto failed = [this] { return settings.changesOnly ? statusOrInterfaceError() : interfaceError(); };
             switch (settings.writeStyle) {
             case PanelSettings::Style::Blocks: {
                 std::vector<quint8> list = link->blockList(allRegisters(count), gui.data());
                 if (!link->writeBlock(count, list.data()))
-                    return interfaceError();
+                    return failed();
                 break;
             }
             case PanelSettings::Style::Autoincrement:
@@ -98,9 +113,11 @@ QString clerk::chipWrite()
                 break;
             case PanelSettings::Style::OneAtATime:
                 for (int i = 0; i < count; ++i) {
+                    registersWritten = i;
                     if (!link->writeRegister(i, &gui[size_t(i)]))
-                        return interfaceError() + QLatin1Char('\n')
+                        return failed() + QLatin1Char('\n')
                                + QStringLiteral("%1 of %2 registers written").arg(i).arg(count);
+                    registersWritten = i + 1;
                     if (interrupted)
                         return tr("Interrupted");
                 }
@@ -120,6 +137,7 @@ QString clerk::chipWrite()
                     values.push_back(gui[size_t(i)]);
                 }
             }
+            registersWritten = int(addresses.size());
             std::vector<quint8> list = link->blockList(addresses, values.data());
             if (!link->writeBlock(int(addresses.size()), list.data()))
                 return statusOrInterfaceError();

@@ -27,6 +27,8 @@ void clerk::run()
                 link->releaseBoard();
         });
         end = operation();
+        if (link)
+            board = link->heldBoard();
     }
     emit error_mess(end); // the board let go first, for whatever the end starts
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gui_save.h"
+#include "odd_lines.h"
 #include "panel_settings.h"
 
 #include <QMap>
@@ -56,6 +57,18 @@ public:
     // starts.
     GuiSave save;
 
+    // What the operation did, set before its end message: the registers it
+    // read (from the chip or a file) and wrote (to the chip or a file), the
+    // board it worked on (usb_link's key; empty when it reached none), a
+    // remark for the user (a changes-only write to a chip not known, which
+    // sent every register), and the lines of a loaded file that are no plain
+    // lines.
+    int registersRead = 0;
+    int registersWritten = 0;
+    QString board;
+    QString remark;
+    QVector<OddLines::Line> oddLines;
+
 signals:
     void percent_up(int percent);
     void error_mess(QString text);
@@ -86,4 +99,6 @@ private:
     // The lines of fileName for a load; an end text when the file is none
     // a load takes.
     QString readSettings(QStringList* lines) const;
+    // The end text of a save whose file cannot be opened.
+    QString unwritable() const;
 };

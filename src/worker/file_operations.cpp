@@ -9,6 +9,9 @@
 #include "register_images.h"
 #include "usb_link.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 #include <cstring>
 #include <vector>
 
@@ -46,6 +49,7 @@ QString clerk::fileToChip()
     const QString unusable = readSettings(&lines);
     if (!unusable.isEmpty())
         return unusable;
+    oddLines = OddLines::find(lines, int(firstMap()->registerCount));
     std::vector<Entry> entries;
     for (int n = 0; n < lines.size(); ++n) {
         const QString& line = lines.at(n);
@@ -53,16 +57,20 @@ QString clerk::fileToChip()
         case HexFormat::LineKind::Map: {
             const QString name = settings.configCheck ? HexFormat::mapName(line) : maps.firstKey();
             if (!maps.contains(name))
-                return tr("RegMap name is incorrect\nor not exist");
+                return tr("RegMap name is incorrect\nor not exist") + QLatin1Char('\n')
+                       + QStringLiteral("%1 needs the map line ;%2").arg(fileName, maps.firstKey());
             entries.push_back(Entry());
             break;
         }
         case HexFormat::LineKind::Register: {
-            const QString fault = HexFormat::chipLineFault(line, int(firstMap()->registerCount));
+            // A line whose number is no register is refused: its value would
+            // go to another register. A value that is no byte goes as a
+            // reader reads it, and the line is told of after.
+            const QString fault = HexFormat::numberFault(line, int(firstMap()->registerCount));
             if (!fault.isEmpty())
                 return HexFormat::refusedLine(fileName, n + 1, line, fault);
-            const auto reg = HexFormat::readRegister(line);
-            entries.push_back({reg->number, reg->value});
+            if (const auto reg = HexFormat::readRegister(line))
+                entries.push_back({reg->number, reg->value});
             break;
         }
         case HexFormat::LineKind::Other:
@@ -96,7 +104,7 @@ QString clerk::fileToChip()
             } else if (!link->writeRegister(e.address, &e.value)) {
                 return partWay(tr("Write register error"));
             } else {
-                ++sent;
+                registersWritten = ++sent;
                 sectionsSent += endsSection(i) ? 1 : 0;
             }
             emit percent_up(i * 100 / length);
@@ -118,6 +126,7 @@ QString clerk::fileToChip()
             if (!link->writeBlock(count, block.data()))
                 return partWay(tr("Write block error"));
             sent += count;
+            registersWritten = sent;
             sectionsSent += endsSection(i - 1) ? 1 : 0;
             emit percent_up(sent * 100 / registers);
         }
@@ -134,19 +143,31 @@ QString clerk::fileToChip()
     return QString();
 }
 
+// A save's file that cannot be opened; a folder that is not there is named.
+QString clerk::unwritable() const
+{
+    const QDir folder = QFileInfo(fileName).dir();
+    if (!folder.exists())
+        return tr(".hex file is not available") + QLatin1Char('\n')
+               + QStringLiteral("the folder \"%1\" does not exist").arg(folder.path());
+    return tr(".hex file is not available");
+}
+
 // Chip to file: what the chip holds, read by autoincrement, into a file.
 QString clerk::chipToFile()
 {
     HexWriter file(fileName, settings.mergeFile);
     if (!file.open())
-        return tr(".hex file is not available");
+        return unwritable();
     for (RegisterImages* map : qAsConst(maps)) {
         QByteArray registers(int(map->registerCount), 0);
         if (!link->readAuto(0, registers.size(), reinterpret_cast<quint8*>(registers.data())))
             return tr("WINUSB: USB interface error ") + link->reason();
         emit percent_up(50);
+        registersRead += registers.size();
         if (!file.write(HexWriter::chipText(map->chipName, registers)))
             break;
+        registersWritten += registers.size();
     }
     if (!file.commit())
         return file.errorText();
@@ -160,9 +181,10 @@ QString clerk::guiToFile()
     emit percent_up(0);
     HexWriter file(fileName, settings.mergeFile);
     if (!file.open())
-        return tr(".hex file is not available");
+        return unwritable();
     const QString text = HexWriter::guiText(save, [this](int percent) { emit percent_up(percent); });
     file.write(text);
+    registersWritten = text.count(QLatin1String("\nReg"));
     if (!file.commit())
         return file.errorText();
     emit percent_up(100);
@@ -185,6 +207,7 @@ QString clerk::fileToGui()
     onGuiThread([first] { first->dropOldCfg(); });
     emit percent_up(1);
 
+    oddLines = OddLines::find(lines, int(first->registerCount));
     QString name;
     for (const QString& line : qAsConst(lines)) {
         switch (HexFormat::classify(line)) {
@@ -216,6 +239,7 @@ QString clerk::fileToGui()
                     continue; // no such register in the image
                 buffer[size_t(r.key())] = r.value();
                 map->guiImage[r.key()] = r.value();
+                ++registersRead;
             }
             std::memcpy(map->cfgImage, buffer.data(), buffer.size());
         }

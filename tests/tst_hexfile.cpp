@@ -10,7 +10,7 @@
 
 // Hex settings files: saves from the forms' state (the comments of every field on them are pinned by
 // tst_defaults, which compares the shipped default.hex), what the load commands read from good and
-// bad files, and saves that fail or append.
+// bad files, and saves that fail (appends: tst_worker).
 class tst_hexfile : public QObject
 {
     Q_OBJECT
@@ -36,15 +36,6 @@ class tst_hexfile : public QObject
             }
         }
         return out.join(' ');
-    }
-    // The registers of a file, a later line replacing an earlier one.
-    static QMap<int, int> registersIn(const QString& file)
-    {
-        QMap<int, int> found;
-        for (const QString& item : seen(file).split(' ', Qt::SkipEmptyParts))
-            if (item.contains('='))
-                found[item.section('=', 0, 0).toInt()] = item.section('=', 1).toInt(nullptr, 16);
-        return found;
     }
     // A save of the forms under the panel's flags by name; a flag not named
     // is off, but the status and service registers are kept.
@@ -149,31 +140,6 @@ private slots:
         QVERIFY(writeFile(path("read.hex"), file));
         QCOMPARE(seen(path("read.hex")), expected);
     }
-    void readerRefuses()
-    {
-        QCOMPARE(seen(path("missing.hex")), "<unreadable>");
-        QCOMPARE(seen(dir.path()), "<unreadable>");
-    }
-
-    // Appending adds a section behind the old bytes; read back, the later value of a register wins.
-    void appendNeverTruncates()
-    {
-        const QByteArray chip(291, '\x11'), gui(291, '\x22');
-        QVERIFY(HexWriter::writeFile(path("merge.hex"), HexWriter::chipText("ZV4280v2", chip), false));
-        const QByteArray before = readFile(path("merge.hex"));
-        GuiSave s;
-        s.chipName = "ZV4280v2";
-        s.guiImage = gui;
-        QVERIFY(HexWriter::writeFile(path("merge.hex"), HexWriter::guiText(s), true));
-        QCOMPARE(readFile(path("merge.hex")), before + HexWriter::guiText(s).toUtf8());
-        const QMap<int, int> found = registersIn(path("merge.hex"));
-        QCOMPARE(found.size(), 291);
-        QCOMPARE(found.value(106), 0x22);
-        QCOMPARE(found.value(107), 0x11);
-        QVERIFY(HexWriter::writeFile(path("new.hex"), ";ZV4280\n", true));
-        QCOMPARE(readFile(path("new.hex")), QByteArray(";ZV4280\n"));
-    }
-
     // A save that runs out of room says so and leaves the old file byte for byte: a new file is never
     // committed, an append is cut back, a file written over in place gets its old bytes back; when even
     // they do not fit, the message says that the file is damaged.

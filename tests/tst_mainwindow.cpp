@@ -196,19 +196,6 @@ private slots:
         QVERIFY(!startedBehind && !action("action_ICGUI")->isChecked());
     }
 
-    void functionKeysInEveryWindow()
-    {
-        for (const char* window : {"dockA", "service", "ZV4280v2"}) {
-            QWidget* w = main->windows.value(window);
-            QWidget* target = window == QByteArray("ZV4280v2") ? w->findChild<QTableView*>("RegisterTable") : w;
-            QTest::keyClick(target, Qt::Key_F5);
-            QVERIFY2(main->worker, window);
-            QVERIFY(waitIdle(main));
-            // F11 goes past the action: unchecked, it starts nothing.
-            QTest::keyClick(target, Qt::Key_F11);
-            QVERIFY2(!main->worker, window);
-        }
-    }
     // F6 and F7 through their dialogs, answered as a user types a path: the
     // folder of the file becomes the next dialog's, the load titles the window.
     void throughDialogs()

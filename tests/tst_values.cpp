@@ -239,22 +239,6 @@ private slots:
         set("ChB_IFA_GC_MD=0");
         QCOMPARE(shown("ChB_IFA_I_Gain"), QStringLiteral("59.2dB"));
     }
-
-    // A field without a rule changes only the image.
-    void changesWithoutRule()
-    {
-        auto state = [&] {
-            QString texts;
-            for (const DisplayEntry& d : model->catalogue().displays())
-                texts += model->text(d.objectName) + "|";
-            return qMakePair(texts, imageBytes(images.guiImage));
-        };
-        const auto before = state();
-        set(QString("ChA_PLL_CP_CC=%1").arg(image("ChA_PLL_CP_CC") == 0 ? 1 : 0));
-        const auto after = state();
-        QVERIFY(after.second != before.second);
-        QCOMPARE(after.first, before.first);
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_values)

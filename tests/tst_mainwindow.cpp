@@ -124,6 +124,29 @@ private slots:
         QCOMPARE(catcher.texts, QStringList({"Невозможное событие!"}));
     }
 
+    // F6 and F7 through their dialogs, answered as a user types a path: the
+    // folder of the file becomes the next dialog's, the load titles the window.
+    void throughDialogs()
+    {
+        for (bool save : {true, false}) {
+            auto* poll = new QTimer(this);
+            connect(poll, &QTimer::timeout, [this, poll] {
+                for (QWidget* w : QApplication::topLevelWidgets())
+                    if (auto* dialog = qobject_cast<QFileDialog*>(w); dialog && dialog->isVisible()) {
+                        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path("dialog.hex"));
+                        QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
+                        poll->deleteLater();
+                    }
+            });
+            poll->start(20);
+            main->lastPath = QDir::rootPath();
+            save ? main->on_action_GUIFILE_triggered() : main->on_action_FILEGUI_triggered();
+            QVERIFY(waitIdle(main));
+            QCOMPARE(main->lastPath, dir.path() + "/");
+        }
+        QCOMPARE(main->windowTitle(), "ZV4280(v2/v3) TB 1.0.3" + path("dialog.hex"));
+    }
+
     void repeatRead()
     {
         set("RepeatRead", 1), set("AutoPause", 1);
@@ -194,29 +217,6 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(boxSeen, 5000);
         QVERIFY(waitIdle(main));
         QVERIFY(!startedBehind && !action("action_ICGUI")->isChecked());
-    }
-
-    // F6 and F7 through their dialogs, answered as a user types a path: the
-    // folder of the file becomes the next dialog's, the load titles the window.
-    void throughDialogs()
-    {
-        for (bool save : {true, false}) {
-            auto* poll = new QTimer(this);
-            connect(poll, &QTimer::timeout, [this, poll] {
-                for (QWidget* w : QApplication::topLevelWidgets())
-                    if (auto* dialog = qobject_cast<QFileDialog*>(w); dialog && dialog->isVisible()) {
-                        dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path("dialog.hex"));
-                        QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
-                        poll->deleteLater();
-                    }
-            });
-            poll->start(20);
-            main->lastPath = QDir::rootPath();
-            save ? main->on_action_GUIFILE_triggered() : main->on_action_FILEGUI_triggered();
-            QVERIFY(waitIdle(main));
-            QCOMPARE(main->lastPath, dir.path() + "/");
-        }
-        QCOMPARE(main->windowTitle(), "ZV4280(v2/v3) TB 1.0.3" + path("dialog.hex"));
     }
 
     // Closing the main window closes the panel, the docks, the map and the expert windows with it.

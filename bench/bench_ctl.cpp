@@ -3,7 +3,8 @@
 // change, read back), beside a process that does nothing (/bin/true) in the
 // same emulated environment, which is what the launcher alone costs. Medians
 // of wall and processor time over repeated runs; the board is served by this
-// program's testbed thread, as the launcher serves it.
+// program's testbed thread, as the launcher serves it. Other zv4280ctl
+// programs named as arguments are measured beside this build's.
 
 #include "bench_support.h"
 #include "testbed.h"
@@ -72,20 +73,32 @@ Sample runOnce(std::vector<const char*> args)
     return s;
 }
 
+// The zv4280ctl programs measured side by side: this build's, then those
+// named on the command line (an older build's, say), their runs interleaved.
+std::vector<const char*> programs{ZV_CTL_PROGRAM};
+
 bool measure(const char* what, int runs, const std::function<std::vector<const char*>(int)>& args)
 {
-    std::vector<double> wall, cpu;
-    for (int i = 0; i < runs; ++i) {
-        const Sample s = runOnce(args(i));
-        if (s.exit != 0) {
-            std::fprintf(stderr, "bench_ctl: %s ended with %d\n", what, s.exit);
-            return false;
+    const bool alone = args(0).front()[0] == '/'; // a program of its own, not zv4280ctl
+    const size_t count = alone ? 1 : programs.size();
+    std::vector<std::vector<double>> wall(count), cpu(count);
+    for (int i = 0; i < runs; ++i)
+        for (size_t p = 0; p < count; ++p) {
+            std::vector<const char*> a = args(i);
+            if (!alone)
+                a.insert(a.begin(), programs[p]);
+            const Sample s = runOnce(a);
+            if (s.exit != 0) {
+                std::fprintf(stderr, "bench_ctl: %s (%s) ended with %d\n", what, a.front(), s.exit);
+                return false;
+            }
+            wall[p].push_back(s.wallMs);
+            cpu[p].push_back(s.cpuMs);
         }
-        wall.push_back(s.wallMs);
-        cpu.push_back(s.cpuMs);
-    }
-    std::printf("%-44s %9.1f ms wall %9.1f ms cpu  (fastest %.1f ms, %d runs)\n", what, median(wall), median(cpu),
-                *std::min_element(wall.begin(), wall.end()), runs);
+    for (size_t p = 0; p < count; ++p)
+        std::printf("%-44s %9.1f ms wall %9.1f ms cpu  (fastest %.1f ms, %d runs)%s%s\n", what, median(wall[p]),
+                    median(cpu[p]), *std::min_element(wall[p].begin(), wall[p].end()), runs, p ? "  " : "",
+                    p ? programs[p] : "");
     return true;
 }
 
@@ -98,6 +111,8 @@ int main(int argc, char* argv[])
         std::fprintf(stderr, "bench_ctl: run it under umockdev-wrapper\n");
         return 1;
     }
+    for (int i = 1; i < argc; ++i)
+        programs.push_back(argv[i]);
     zvsim::Testbed bus;
     bus.addBoard();
     const int runs = 21;

@@ -1,15 +1,15 @@
-#include "testsupport.h"
+#include "register_images.h"
+#include "enginesupport.h"
 
 // Bit numbering, runs of bits and the comparison of guiImage with icImage on an image of the real size.
 class tst_bits : public QObject
 {
     Q_OBJECT
-    std::unique_ptr<mapshow> map;
+    std::unique_ptr<RegisterImages> map;
     QByteArray gui() const { return imageBytes(map->guiImage); }
 
 private slots:
-    void initTestCase() { zvTestInit(); }
-    void init() { map.reset(new mapshow(QStringLiteral("ZV4280v2"), 291)); }
+    void init() { map.reset(new RegisterImages(QStringLiteral("ZV4280v2"), 291)); }
     void numbering()
     {
         const struct { int position, reg; char mask; } rows[] = {
@@ -65,5 +65,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(tst_bits)
+QTEST_GUILESS_MAIN(tst_bits)
 #include "tst_bits.moc"

@@ -1,4 +1,5 @@
 #include "boardsupport.h"
+#include "testsupport.h"
 #include "gui_save.h"
 #include "hex_writer.h"
 #include "service_block.h"

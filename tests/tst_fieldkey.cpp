@@ -1,11 +1,12 @@
-#include "testsupport.h"
+#include "part.h"
+#include "enginesupport.h"
 
 #include <numeric>
 
 using Nums = QVector<quint32>;
 Q_DECLARE_METATYPE(Nums)
 
-static std::unique_ptr<part> read(const QString& n) { return std::unique_ptr<part>(mapshow::ParseObjName(n)); }
+static std::optional<part> read(const QString& n) { return parseFieldName(n); }
 
 class tst_fieldkey : public QObject
 {

@@ -4,19 +4,21 @@
 #include "hex_format.h"
 #include "hex_reader.h"
 #include "hex_writer.h"
-#include "register_names.h"
 #include "odd_lines.h"
+#include "panel_settings.h"
+#include "register_images.h"
+#include "register_names.h"
 #include "save_filter.h"
-#include "testsupport.h"
+#include "enginesupport.h"
 
-// Hex settings files: saves from the real forms (the comments of every field on them are pinned by
+// Hex settings files: saves from the forms' state (the comments of every field on them are pinned by
 // tst_defaults, which compares the shipped default.hex), what the load commands read from good and
-// bad files, and saves that fail or append.
+// bad files, and saves that fail (appends: tst_worker).
 class tst_hexfile : public QObject
 {
     Q_OBJECT
-    MainClass* main = nullptr;
-    mapshow* map = nullptr;
+    std::unique_ptr<RegisterImages> map{new RegisterImages(QStringLiteral("ZV4280v2"), 291)};
+    std::unique_ptr<FormModel> model{new FormModel(*map)};
     QTemporaryDir dir;
 
     QString path(const QString& name) const { return dir.filePath(name); }
@@ -44,20 +46,6 @@ class tst_hexfile : public QObject
         }
         return out.join(' ');
     }
-    // The registers of a file, a later line replacing an earlier one.
-    static QMap<int, int> registersIn(const QString& file)
-    {
-        QMap<int, int> found;
-        for (const QString& item : seen(file).split(' ', Qt::SkipEmptyParts))
-            if (item.contains('='))
-                found[item.section('=', 0, 0).toInt()] = item.section('=', 1).toInt(nullptr, 16);
-        return found;
-    }
-    void pushImage() // as the end of a read does
-    {
-        for (const QString& key : map->parts.keys())
-            map->setPartValue(key, map->guiImage);
-    }
     // A save of the forms under the panel's flags by name; a flag not named
     // is off, but the status and service registers are kept.
     QString save(const QMap<QString, int>& flags) const
@@ -68,20 +56,10 @@ class tst_hexfile : public QObject
         s.statusBits = flags.value("StatusBits", 1);
         s.serviceBits = flags.value("ServiceBits", 1);
         s.allRegisters = flags.value("SaveAll", 0);
-        return HexWriter::guiText(GuiSave::take(*main->model(), s));
+        return HexWriter::guiText(GuiSave::take(*model, s));
     }
 
 private slots:
-    void initTestCase()
-    {
-        zvTestInit();
-        main = new MainClass;
-        QVERIFY(waitIdle(main));
-        QVERIFY((map = main->firstMap()));
-        QVERIFY(dir.isValid());
-    }
-    void cleanupTestCase() { delete main; }
-
     // The documented example of a full save, registers 9 to 11 at 00, 00, 04, with and without comments; the
     // rest of a save with comments (headings, a comment mark on every register line) is the shipped default.hex
     // that tst_defaults compares.
@@ -89,7 +67,7 @@ private slots:
     {
         std::fill_n(map->guiImage, map->registerCount, quint8(0));
         map->guiImage[11] = 4;
-        pushImage();
+        model->push(map->guiImage);
         const QString file = save({{"ChangesOnly", 0}, {"HexComment", 1}});
         const QString example = "//  Temperature sensor \nReg9\t00 //Execute: disabled\n\t   //Mode: single\n"
                                    "//  Clock settings \nReg10\t00 //Clock output type: CMOS\n"
@@ -105,7 +83,7 @@ private slots:
         // Changes only: nothing but the map line, then the one register a user changed.
         std::copy_n(map->guiImage, map->registerCount, map->icImage);
         QCOMPARE(save({{"ChangesOnly", 1}, {"HexComment", 1}}), ";ZV4280\n");
-        static_cast<QCheckBox*>(map->parts.value("TS_EXE_ZV4280v2")->widget)->setChecked(true);
+        model->setValue(model->indexOf("TS_EXE_ZV4280v2"), 1);
         QCOMPARE(save({{"ChangesOnly", 1}, {"HexComment", 1}}), ";ZV4280\nReg9\t01 //Execute: enabled\n");
         QCOMPARE(save({{"ChangesOnly", 1}, {"HexComment", 0}}), ";ZV4280\nReg9\t01\n");
     }
@@ -173,63 +151,6 @@ private slots:
         QVERIFY(writeFile(path("read.hex"), file));
         QCOMPARE(seen(path("read.hex")), expected);
     }
-    void readerRefuses()
-    {
-        QCOMPARE(seen(path("missing.hex")), "<unreadable>");
-        QCOMPARE(seen(dir.path()), "<unreadable>");
-    }
-
-    // Random images saved in every way come back as the registers each save holds.
-    void roundTrip()
-    {
-        std::mt19937 random(4280);
-        const QStringList pieces = {"", "Reg5 77 &0x12", "Ток: 600µA", "Фаза: 90.00° ", "Mode: single", "//"};
-        for (int round = 0; round < 32; ++round) {
-            GuiSave s;
-            s.chipName = "ZV4280v2";
-            s.changesOnly = round & 1;
-            s.withComments = round & 2;
-            s.allRegisters = round & 8;
-            QMap<int, int> expected;
-            for (int r = 0; r < 291; ++r) {
-                s.guiImage.append(char(random()));
-                s.icImage.append(random() % 2 ? s.guiImage.at(r) : char(random()));
-                s.leftOut.append(round & 4 ? random() % 8 == 0 : false);
-                s.comments.append(pieces.at(random() % 6) + HexFormat::commentSeparator() + pieces.at(random() % 6));
-                if ((r <= 106 || s.allRegisters) && (s.changesOnly ? s.guiImage.at(r) != s.icImage.at(r) : !s.leftOut.at(r)))
-                    expected[r] = quint8(s.guiImage.at(r));
-            }
-            QVERIFY(HexWriter::writeFile(path("trip.hex"), HexWriter::guiText(s), false));
-            QCOMPARE(registersIn(path("trip.hex")), expected);
-            if (s.withComments) { // comments in any script come back whole
-                QStringList lines;
-                QString refusal;
-                QVERIFY(HexReader::readLines(path("trip.hex"), &lines, &refusal));
-                QCOMPARE(QString::fromUtf8(readFile(path("trip.hex"))), HexWriter::guiText(s));
-                QVERIFY(lines.contains("//Ток: 600µA") && lines.join('\n').contains("//Фаза: 90.00°"));
-            }
-        }
-    }
-
-    // Appending adds a section behind the old bytes; read back, the later value of a register wins.
-    void appendNeverTruncates()
-    {
-        const QByteArray chip(291, '\x11'), gui(291, '\x22');
-        QVERIFY(HexWriter::writeFile(path("merge.hex"), HexWriter::chipText("ZV4280v2", chip), false));
-        const QByteArray before = readFile(path("merge.hex"));
-        GuiSave s;
-        s.chipName = "ZV4280v2";
-        s.guiImage = gui;
-        QVERIFY(HexWriter::writeFile(path("merge.hex"), HexWriter::guiText(s), true));
-        QCOMPARE(readFile(path("merge.hex")), before + HexWriter::guiText(s).toUtf8());
-        const QMap<int, int> found = registersIn(path("merge.hex"));
-        QCOMPARE(found.size(), 291);
-        QCOMPARE(found.value(106), 0x22);
-        QCOMPARE(found.value(107), 0x11);
-        QVERIFY(HexWriter::writeFile(path("new.hex"), ";ZV4280\n", true));
-        QCOMPARE(readFile(path("new.hex")), QByteArray(";ZV4280\n"));
-    }
-
     // A save that runs out of room says so and leaves the old file byte for byte: a new file is never
     // committed, an append is cut back, a file written over in place gets its old bytes back; when even
     // they do not fit, the message says that the file is damaged.
@@ -318,5 +239,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(tst_hexfile)
+QTEST_GUILESS_MAIN(tst_hexfile)
 #include "tst_hexfile.moc"

@@ -1,4 +1,5 @@
 #include "boardsupport.h"
+#include "testsupport.h"
 #include "service_block.h"
 #include "usb_link.h"
 

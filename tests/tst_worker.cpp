@@ -1,96 +1,112 @@
-#include "engine/form_model.h"
 #include "boardsupport.h"
 #include "clerk.h"
-#include "operation_status.h"
-#include "service_block.h"
+#include "engine/form_model.h"
+#include "register_images.h"
+#include "translation.h"
+#include "usb_link.h"
 
-// The operations of the real main window on a simulated board: chip read and
-// write, the stop request, faults on the wire, repeat read, the end of an
-// operation in the widgets, and the function keys of every window. How the
-// frames themselves are laid out is for tst_usb to pin.
+// The worker on a simulated board with the register images, the forms'
+// state and the panel's settings alone: chip read and write, the files to
+// and from the chip and the forms, the stop request, faults on the wire.
+// How the frames themselves are laid out is for tst_usb to pin.
 class tst_worker : public QObject, OnBoard
 {
     Q_OBJECT
-    MainClass* main = nullptr;
-    mapshow* map = nullptr;
-    QList<int> progress; // the progress bar's values since the test began
+    std::unique_ptr<RegisterImages> map;
+    std::unique_ptr<FormModel> model;
+    std::unique_ptr<usb_link> link;
+    PanelSettings settings;
+    QTemporaryDir dir;
+    QList<int> progress; // what the workers reported since the test began, as a progress bar shows it
 
-    QAction* action(const char* name) const { return main->findChild<QAction*>(name); }
-    bool progressShown() const { return main->findChild<QToolBar*>("toolBar_RegWindow")->actions().last()->isVisible(); }
-    void set(const char* key, int value) { main->service->settings[key] = value; }
-    // A worker for a command, with the panel's settings.
-    clerk* worker(int command, const QString& file = QString())
-    {
-        return main->newWorker(clerk::Command(command), main->service->panelSettings(), file);
-    }
+    using Command = clerk::Command;
+    using Style = PanelSettings::Style;
+    QString path(const QString& name) const { return dir.filePath(name); }
     QByteArray image(const quint8* i) const { return imageBytes(i, int(map->registerCount)); }
     QByteArray images() const { return image(map->guiImage) + image(map->icImage) + image(map->cfgImage); }
-    // Runs one command from its action and returns the messages it showed.
-    QStringList run(const char* actionName)
+    static void write(const QString& file, const QByteArray& text) { QVERIFY(writeFile(file, text)); }
+    int field(const char* stem) const { return model->indexOf(QString(stem) + "_ZV4280v2"); }
+    std::unique_ptr<clerk> worker(Command command, const QString& file = QString())
     {
-        ModalCatcher catcher;
-        action(actionName)->trigger();
-        return waitIdle(main) ? catcher.texts : QStringList{"still running"};
+        std::unique_ptr<clerk> w(new clerk(command, file, link.get(), settings, {{map->chipName, map.get()}}));
+        if (command == Command::GuiToFile)
+            w->save = GuiSave::take(*model, settings);
+        connect(w.get(), &clerk::percent_up, this, [this](int p) {
+            if (progress.value(progress.size() - 1, -1) != p)
+                progress << p;
+        });
+        return w;
     }
-    QStringList read() { return action("action_ICGUI")->setChecked(false), run("action_ICGUI"); }
+    // Runs a command to its end and gives its end message; a success ends
+    // as in the program: a read or a load shows the image in the forms, the
+    // displays are recomputed, and a load marks what only the chip can tell.
+    QString run(Command command, const QString& file = QString())
+    {
+        std::unique_ptr<clerk> w = worker(command, file);
+        const QStringList ends = runToEnd(w.get());
+        if (ends != QStringList{QString()})
+            return ends.size() == 1 ? ends.first() : QStringLiteral("<no single end message>");
+        if (w->command == Command::ChipToGui || w->command == Command::FileToGui)
+            model->push(map->guiImage);
+        model->fireDisplays();
+        if (w->command == Command::FileToGui)
+            model->markChipOnly();
+        return QString();
+    }
+    QString read() { return run(Command::ChipToGui); }
     // A read fills both images with the chip's registers, and every editing
-    // widget stands for the code guiImage holds (a combo box without an item
+    // field stands for the code guiImage holds (a combo box without an item
     // for its code stands for the code the image keeps).
     void checkReadIn()
     {
         QCOMPARE(image(map->icImage), chip());
         QCOMPARE(image(map->guiImage), chip());
-        for (const part* p : map->parts)
-            if (!main->outputs.contains(p->name))
-                QVERIFY2(map->getPartValue(p->name) == map->getBrim(p->position, p->width), qPrintable(p->name));
+        for (int f = 0; f < model->fieldCount(); ++f)
+            if (model->outputObject(model->entry(f).record.name) != model->entry(f).objectName)
+                QVERIFY2(model->code(f) == RegisterImages::fieldValue(model->entry(f).record, map->guiImage),
+                         qPrintable(model->entry(f).objectName));
     }
 
 private slots:
     void initTestCase()
     {
-        zvTestInit(true);
+        installTranslation(*QCoreApplication::instance());
         if (!zvsim::Testbed::available())
             QSKIP("needs umockdev-wrapper");
-        plugBoard();
-        main = new MainClass;
-        QVERIFY(waitIdle(main));
-        map = main->firstMap();
-        bus.reset();
-        connect(main->progressBar, &QProgressBar::valueChanged, this, [this](int value) { progress << value; });
+        map.reset(new RegisterImages(QStringLiteral("ZV4280v2"), 291));
+        model.reset(new FormModel(*map));
     }
     void init()
     {
         plugBoard();
+        link.reset(new usb_link);
         progress.clear();
-        for (auto [key, value] : {std::pair{"ReadStyle", 2}, {"WriteStyle", 1}, {"ChangesOnly", 1},
-                                  {"InteractiveRefresh", 1}, {"PauseTimer", 0}, {"RepeatRead", 0}})
-            set(key, value);
+        settings = PanelSettings();
+        settings.writePauseMs = 0;
     }
     void cleanup()
     {
-        QVERIFY(waitIdle(main));
+        link.reset();
         QCOMPARE(unplugBus(), QString());
     }
-    void cleanupTestCase() { delete main; }
 
-    // The progress bar's values tell the style: one a register, or one a read.
+    // The progress tells the style: one a register, or one a read.
     void readInEachStyle()
     {
-        for (int style : {0, 1, 2}) {
+        for (Style style : {Style::OneAtATime, Style::Blocks, Style::Autoincrement}) {
             fillChip();
-            set("ReadStyle", style);
+            settings.readStyle = style;
             progress.clear();
-            QCOMPARE(read(), QStringList());
+            QCOMPARE(read(), QString());
             checkReadIn();
             QList<int> expected{0, 75, 100};
-            for (int p = 1; style == 0 && p < 75; ++p)
+            for (int p = 1; style == Style::OneAtATime && p < 75; ++p)
                 expected.insert(p, p);
             QCOMPARE(progress, expected);
-            QVERIFY(!progressShown() && !action("action_ICGUI")->isChecked());
         }
     }
 
-    // A chip whose clock output type and source both differ from the widgets:
+    // A chip whose clock output type and source both differ from the forms:
     // the type's rules re-fire the source before the source has been set.
     void readKeepsTheChipsClockCodes()
     {
@@ -98,49 +114,57 @@ private slots:
         read();
         for (auto [type, source] : {std::pair{0, 0}, {2, 1}, {3, 4}, {1, 2}}) {
             bus->chip(board).setReg(10, quint8((bus->chip(board).reg(10) & 0xE0) | type << 3 | source));
-            QCOMPARE(read(), QStringList());
+            QCOMPARE(read(), QString());
             QCOMPARE(image(map->guiImage), chip());
-            QCOMPARE(map->getPartValue("CLK_OUT_TP_ZV4280v2"), quint32(type));
-            QCOMPARE(map->getPartValue("CLK_SOURCE_ZV4280v2"), quint32(source));
+            QCOMPARE(model->code(field("CLK_OUT_TP")), quint32(type));
+            QCOMPARE(model->code(field("CLK_SOURCE")), quint32(source));
         }
     }
 
-    // Any command while an operation runs only stops it (F5 here loads
-    // nothing); only a read one register at a time sees the request.
+    // A stop request: only a read one register at a time sees it, and then
+    // the images stay as they were; a write sees it in its pause.
     void stopRequest()
     {
-        for (int style : {0, 1, 2}) {
+        for (Style style : {Style::OneAtATime, Style::Blocks, Style::Autoincrement}) {
             read();
             fillChip();
-            set("ReadStyle", style);
-            std::fill(map->cfgImage, map->cfgImage + map->registerCount, 0xEE);
+            settings.readStyle = style;
             const QByteArray before = images();
-            ModalCatcher catcher;
-            action("action_ICGUI")->trigger();
-            QVERIFY(main->worker && progressShown());
-            if (style == 0)
-                QTRY_VERIFY(main->progressBar->value() >= 10);
-            action("action_load_default")->trigger();
-            QVERIFY(waitIdle(main));
-            QCOMPARE(catcher.texts, style == 0 ? QStringList{"Interrupted"} : QStringList());
-            QCOMPARE(images() == before, style == 0);
-            QCOMPARE(image(map->cfgImage), QByteArray(int(map->registerCount), char(0xEE)));
-            QVERIFY(!action("action_ICGUI")->isChecked());
+            std::unique_ptr<clerk> w = worker(Command::ChipToGui);
+            progress.clear();
+            w->interrupted = style != Style::OneAtATime;
+            connect(w.get(), &clerk::percent_up, this, [&w](int p) { w->interrupted = w->interrupted || p >= 10; });
+            QCOMPARE(runToEnd(w.get()), QStringList{style == Style::OneAtATime ? "Interrupted" : ""});
+            QCOMPARE(images() == before, style == Style::OneAtATime);
         }
+        settings.writePauseMs = 60000;
+        map->guiImage[21] ^= 1;
+        bus->clearWireLog();
+        std::unique_ptr<clerk> w = worker(Command::GuiToChip);
+        QTimer poll; // the stop comes once the write is out
+        connect(&poll, &QTimer::timeout, this, [&] { w->interrupted = sent().size() >= 2; });
+        poll.start(5);
+        QCOMPARE(runToEnd(w.get()), QStringList{"Interrupted"});
+        QCOMPARE(sent().size(), 2); // the identity read and the write
     }
 
     // Release code 1 in the low three bits of register 1 is refused by the
     // commands that reach the chip (1 to 4).
     void chipIdentity()
     {
-        set("InteractiveRefresh", 0);
-        QTemporaryDir dir;
-#include "engine/form_model.h"
+        settings.readBack = false;
+        for (int reg1 : {0x01, 0x09, 0xF9, 0x02, 0x05})
+            for (int command = 1; command <= 6; ++command) {
+                bus->chip(board).setReg(1, quint8(reg1));
+                const QString end = run(Command(command), command == 5 ? QStringLiteral("default.hex") : path("x.hex"));
+                QVERIFY2((end == "Incorrect chip") == ((reg1 & 7) == 1 && command <= 4),
+                         qPrintable(QString("register 1 = %1, command %2: %3").arg(reg1).arg(command).arg(end)));
+            }
     }
 
     // Commands 7 and 8, one register by number: a failed read or write ends
-    // as any failed register operation does, and "RegisterValue" keeps what
-    // it held.
+    // as any failed register operation does, and the value keeps what it
+    // held.
     void singleRegister_data()
     {
         QTest::addColumn<int>("command");
@@ -161,12 +185,12 @@ private slots:
         QFETCH(int, number);
         QFETCH(QString, fault);
         bus->chip(board).setReg(12, 0x5A);
-        set("RegisterNumber", number);
+        settings.registerNumber = number;
         if (fault == "removed")
             bus->removeBoard(board);
         else if (fault == "unplug")
             bus->unplugAfter(board, 2); // after the identity read
-        std::unique_ptr<clerk> w(worker(command));
+        std::unique_ptr<clerk> w(worker(Command(command)));
         w->settings.registerValue = 0x77;
         QTEST(runToEnd(w.get()).value(0), "message");
         const bool done = fault.isEmpty() && number == 12;
@@ -174,7 +198,6 @@ private slots:
         QCOMPARE(bus->chip(board).reg(12), done && command == 8 ? 0x77 : 0x5A);
     }
 
-#include "engine/form_model.h"
     void changesOnlyWrite()
     {
         // A chip not read since its board came is not known: changes only
@@ -190,19 +213,20 @@ private slots:
         QCOMPARE(main->service->findChild<QComboBox*>("flag_currentInterface")->currentText(), "2976 3 1 9 ");
         fillChip();
         read();
+        settings.readBack = false;
         bus->clearWireLog();
         const int opens = bus->opens(board);
-        QCOMPARE(run("action_GUIIC"), QStringList());
+        QCOMPARE(run(Command::GuiToChip), QString());
         QCOMPARE(sent(), QList<QByteArray>({QByteArray::fromHex("1503800100"), QByteArray::fromHex("1500")}));
         QCOMPARE(bus->opens(board), opens + 2); // the identity read and the write
 
         // One field changed: exactly its register, in a block frame, with
         // the empty frame behind it as a count below ten leaves none.
-        auto* rdiv = qobject_cast<QSpinBox*>(map->parts.value("ChA_PLL_RDiv_ZV4280v2")->widget);
-        rdiv->setValue(rdiv->value() == 7 ? 9 : 7);
+        const int rdiv = field("ChA_PLL_RDiv");
+        model->setValue(rdiv, model->widgetValue(rdiv) == 7 ? 9 : 7);
         const quint8 reg21 = map->guiImage[21];
         bus->clearWireLog();
-        QCOMPARE(run("action_GUIIC"), QStringList());
+        QCOMPARE(run(Command::GuiToChip), QString());
         QCOMPARE(sent().mid(1), QList<QByteArray>({QByteArray::fromHex("15030015") + char(reg21)}));
         QCOMPARE(bus->chip(board).reg(21), reg21);
         // With no read-back the chip's answer is not in icImage: the same
@@ -212,7 +236,7 @@ private slots:
         for (int r : {0, 21, 290})
             frame.append(char(r >> 8)).append(char(r)).append(char(map->guiImage[r]));
         bus->clearWireLog();
-        run("action_GUIIC");
+        run(Command::GuiToChip);
         QCOMPARE(sent().mid(1), QList<QByteArray>({frame}));
     }
 
@@ -220,14 +244,14 @@ private slots:
     // autoincrement: the count of frames tells the style.
     void fullWrite()
     {
-        set("ChangesOnly", 0), set("InteractiveRefresh", 0);
-        for (auto [style, frames] : {std::pair{0, 291}, {1, 30}, {2, 11}}) {
+        settings.changesOnly = false, settings.readBack = false;
+        for (auto [style, frames] : {std::pair{Style::OneAtATime, 291}, {Style::Blocks, 30}, {Style::Autoincrement, 11}}) {
             for (quint32 r = 0; r < map->registerCount; ++r)
                 map->guiImage[r] = quint8(random());
-            set("WriteStyle", style);
+            settings.writeStyle = style;
             bus->clearWireLog();
             const QByteArray gui = image(map->guiImage);
-            QCOMPARE(run("action_GUIIC"), QStringList());
+            QCOMPARE(run(Command::GuiToChip), QString());
             QCOMPARE(sent().size(), 1 + frames); // after the identity read
             QCOMPARE(chip().mid(6), gui.mid(6));
         }
@@ -235,31 +259,19 @@ private slots:
 
     void writeReadsBack()
     {
-        set("PauseTimer", 30);
-        auto* rdiv = qobject_cast<QSpinBox*>(map->parts.value("ChA_PLL_RDiv_ZV4280v2")->widget);
-        rdiv->setValue(rdiv->value() == 5 ? 6 : 5);
+        settings.writePauseMs = 30;
+        const int rdiv = field("ChA_PLL_RDiv");
+        model->setValue(rdiv, model->widgetValue(rdiv) == 5 ? 6 : 5);
         QElapsedTimer clock;
         clock.start();
-        QCOMPARE(run("action_GUIIC"), QStringList());
+        QCOMPARE(run(Command::GuiToChip), QString());
         QVERIFY(clock.elapsed() >= 30);
-        QCOMPARE(progress, QList<int>({0, 45, 0, 75, 100}));
+        QCOMPARE(progress, QList<int>({45, 0, 75, 100}));
         checkReadIn();
-
-        // A stop once the write is out ends the operation in the pause.
-        set("PauseTimer", 60000);
-        rdiv->setValue(rdiv->value() + 1);
-        ModalCatcher catcher;
-        bus->clearWireLog();
-        action("action_GUIIC")->trigger();
-        QTRY_COMPARE(sent().size(), 2); // the identity read and the write
-        action("action_GUIIC")->trigger();
-        QVERIFY(waitIdle(main, 3000));
-        QCOMPARE(catcher.texts, QStringList({"Interrupted"}));
     }
 
     // The board fails in the middle of a read: a message, the images as they
-    // were, and after a stall or a short reply the next read works. A board
-    // plugged in again is for the end-to-end tests to read.
+    // were, and after a stall or a short reply the next read works.
     void faults_data()
     {
         QTest::addColumn<int>("style");
@@ -278,7 +290,7 @@ private slots:
         QFETCH(QString, message);
         read();
         fillChip();
-        set("ReadStyle", style);
+        settings.readStyle = Style(style);
         const QByteArray before = images();
         // The identity read, then three exchanges go through.
         if (fault == "unplug")
@@ -286,150 +298,249 @@ private slots:
         else
             bus->failTransfer(board, {fault == "stall" ? zvsim::TransferFault::Stall : zvsim::TransferFault::Short,
                                       false, 1 + 3, 3});
-        const QStringList messages = read();
-        QVERIFY2(messages.size() == 1 && messages.first().startsWith(message), qPrintable(messages.join('|')));
+        const QString end = read();
+        QVERIFY2(end.startsWith(message), qPrintable(end));
         QCOMPARE(images(), before);
-        // Nothing stands for the chip that could not be read; the failure stays in the status line.
-        QCOMPARE(main->model()->bulb(main->model()->indexOf("AOK_ZV4280v2")), Bulb::Disabled);
-        QVERIFY(main->operationStatus->text().startsWith("Chip read failed after ") && main->operationStatus->text().contains(message));
-        QVERIFY(!main->worker && !progressShown());
         if (fault != "unplug") {
-            QCOMPARE(read(), QStringList());
+            QCOMPARE(read(), QString());
             QCOMPARE(image(map->guiImage), chip());
         }
     }
 
-    // After F5 has loaded the file the chip's own status fields show that
+    // After a load the chip's own status fields show that
     // they are unknown, and every display with a rule shows its field.
     void loadMarksStatusUnknown()
     {
         std::fill(map->cfgImage, map->cfgImage + map->registerCount, 0xEE);
         QStringList unknownBefore; // displays of the other revision keep their text
-        for (const part* p : main->outputs)
-            if (p->widget->property("text").toString() == "n/a")
-                unknownBefore << p->widget->objectName();
-            else if (p->widget->objectName().endsWith("_Expression"))
-                main->model()->setText(p->widget->objectName(), QString());
-        QCOMPARE(run("action_load_default"), QStringList());
+        for (const DisplayEntry& d : model->catalogue().displays())
+            if (model->text(d.objectName) == "n/a")
+                unknownBefore << d.objectName;
+            else
+                model->setText(d.objectName, QString());
+        QCOMPARE(run(Command::FileToGui, "default.hex"), QString());
         QCOMPARE(map->cfgImage[11], quint8(4)); // the C-divider of default.hex
-        QCOMPARE(main->windowTitle(), QStringLiteral("ZV4280(v2/v3) TB 1.0.3"));
-        const QImage disabled = QPixmap(":/Bulb-disabled.png").toImage();
-        int bulbs = 0, fields = 0, displays = 0;
-        for (const part* p : main->outputs) {
-            const QString name = p->widget->objectName(), text = p->widget->property("text").toString();
-            if (auto* bulb = qobject_cast<QLabel*>(p->widget))
-                bulbs += bulb->pixmap(Qt::ReturnByValue).toImage() == disabled;
-            else if (!name.endsWith("_Expression"))
-                fields += text == "n/a";
-            else {
-                QVERIFY2(text != "n/a" || unknownBefore.contains(name) || name.startsWith("TS_code"), qPrintable(name));
-                displays += !text.isEmpty();
-            }
+        int bulbs = 0, fields = 0;
+        for (int f = 0; f < model->fieldCount(); ++f) {
+            const FieldEntry& e = model->entry(f);
+            bulbs += e.kind == FieldKind::Bulb && model->bulb(f) == Bulb::Disabled;
+            fields += e.kind != FieldKind::Bulb && model->outputObject(e.record.name) == e.objectName
+                      && model->text(e.objectName) == "n/a";
+        }
+        int displays = 0;
+        for (const DisplayEntry& d : model->catalogue().displays()) {
+            const QString text = model->text(d.objectName);
+            QVERIFY2(text != "n/a" || unknownBefore.contains(d.objectName) || d.objectName.startsWith("TS_code"),
+                     qPrintable(d.objectName));
+            displays += !text.isEmpty();
         }
         QCOMPARE(QPair(bulbs, fields), QPair(32, 46));
         QCOMPARE(displays, 88);
     }
 
-    // After a read that changed no register no widget fires, and yet every
+    // After a read that changed no register no field fires, and yet every
     // display with a rule is written again.
     void readRecomputesDisplays()
     {
         read();
-        QList<QLineEdit*> displays;
-        for (const part* p : main->outputs)
-            if (p->widget->objectName().endsWith("_Expression"))
-                displays << qobject_cast<QLineEdit*>(p->widget), main->model()->setText(p->widget->objectName(), QString());
-        QCOMPARE(displays.size(), 103);
-        QCOMPARE(read(), QStringList());
-        QCOMPARE(int(std::count_if(displays.begin(), displays.end(), [](QLineEdit* d) { return !d->text().isEmpty(); })), 88);
+        for (const DisplayEntry& d : model->catalogue().displays())
+            model->setText(d.objectName, QString());
+        QCOMPARE(model->catalogue().displays().size(), 103);
+        QCOMPARE(read(), QString());
+        int written = 0;
+        for (const DisplayEntry& d : model->catalogue().displays())
+            written += !model->text(d.objectName).isEmpty();
+        QCOMPARE(written, 88);
     }
 
-    void repeatRead()
+    // Each section goes to the chip as one block, in file order, after a
+    // pause of its own (a map line or register -1); a register may be
+    // written twice, and a value that is no byte goes as a reader reads it.
+    void fileToChipInSections()
     {
-        set("RepeatRead", 1), set("AutoPause", 1);
+        write(path("two.hex"),
+              ";ZV4280v2\nReg30\t11\n  Reg31 0x22 //x\nReg12 5F5\n// Reg99 77\n;ZV4280.2\nReg30\t33\nReg-1 00\nReg32\t44\n");
+        settings.writePauseMs = 60;
         bus->clearWireLog();
-        auto reads = [&] { return sent().count(QByteArray::fromHex("151EC000") + QByteArray(28, 0)); };
-        // When each operation starts (the bar set to 0) and ends (100).
         QElapsedTimer clock;
         clock.start();
-        QList<QPair<int, qint64>> marks;
-        auto mark = connect(main->progressBar, &QProgressBar::valueChanged, [&](int v) {
-            if (v == 0 || v == 100)
-                marks << qMakePair(v, clock.elapsed());
-        });
-        action("action_ICGUI")->setChecked(false);
-        action("action_ICGUI")->trigger();
-        QTRY_VERIFY_WITH_TIMEOUT(reads() >= 2, 5000);
-        QVERIFY(action("action_ICGUI")->isChecked());
-        action("action_ICGUI")->trigger(); // F11 ends it
-        QVERIFY(waitIdle(main));
-        disconnect(mark);
-        // The stop has been dealt with; no read may follow a pause later.
-        const int stopped = reads(), started = main->operationsStarted;
-        QTest::qWait(1500);
-        QCOMPARE(main->operationsStarted, started);
-        // Each read starts a pause after the end of the one before.
-        QVERIFY(marks.size() >= 4);
-        QCOMPARE(QList<int>({marks.at(0).first, marks.at(1).first, marks.at(2).first}), QList<int>({0, 100, 0}));
-        QVERIFY2(marks.at(2).second - marks.at(1).second >= 900, qPrintable(QString::number(marks.at(2).second - marks.at(1).second)));
-
-        // A failure ends it too, with the action unchecked.
-        set("AutoPause", 0);
-        ModalCatcher catcher;
-        action("action_ICGUI")->trigger();
-        QTRY_VERIFY(reads() >= stopped + 2);
-        bus->unplugAfter(board, 0);
-        QTRY_COMPARE(catcher.texts.size(), 1); // the failure's box, closed
-        QVERIFY(!main->running && !action("action_ICGUI")->isChecked());
-        // With no pause a next read would be the next event.
-        const int done = main->operationsStarted;
-        QCoreApplication::processEvents();
-        QCOMPARE(main->operationsStarted, done);
-        bus->removeBoard(board);
-        board = bus->addBoard({0x2976, 3, 1, 9});
+        QCOMPARE(run(Command::FileToChip, path("two.hex")), QString());
+        QVERIFY(clock.elapsed() >= 180);
+        QCOMPARE(sent().mid(1), QList<QByteArray>({QByteArray::fromHex("1509001E11001F22000CF5"),
+                                                   QByteArray::fromHex("1503001E33"), QByteArray::fromHex("1503002044")}));
+        QCOMPARE(bus->chip(board).reg(30), quint8(0x33));
+        QCOMPARE(bus->chip(board).reg(31), quint8(0x22));
     }
 
-    // A repeat-read timer that fires while a failure's message waits for the
-    // user only stops what has already ended: no read starts behind the box,
-    // even once the ended worker is gone.
-    void repeatTimerBehindFailure()
+    // A board replugged between two sections ends the load there, and the
+    // message says how far it got; the new board gets nothing. A long
+    // section goes in blocks, with progress after each.
+    void fileToChipAcrossAReplug()
     {
-        set("RepeatRead", 1);
-        bus->unplugAfter(board, 0);
-        bool boxSeen = false, startedBehind = false;
-        QTimer poll;
-        connect(&poll, &QTimer::timeout, this, [&] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (!box || boxSeen)
-                return;
-            boxSeen = true;
-            QVERIFY(QTest::qWaitFor([&] { return main->worker.isNull(); }, 1000));
-            action("action_ICGUI")->setChecked(true);
-            QMetaObject::invokeMethod(main, "on_action_ICGUI_triggered", Qt::DirectConnection);
-            startedBehind = !main->worker.isNull();
-            box->done(0);
-        });
-        poll.start(5);
-        action("action_GUIIC")->trigger();
-        QTRY_VERIFY_WITH_TIMEOUT(boxSeen, 5000);
-        QVERIFY(waitIdle(main));
-        QVERIFY(!startedBehind && !action("action_ICGUI")->isChecked());
+        QByteArray text;
+        for (int section = 1; section <= 3; ++section) // no map line: no pause before the first
+            for (int r = 0; r < 10; ++r)
+                text += (r == 0 && section > 1 ? ";ZV4280v2\nReg" : "Reg") + QByteArray::number(20 * section + r) + " "
+                        + QByteArray::number(0x11 * section, 16) + "\n";
+        write(path("sections.hex"), text);
+        // The first section is in when the worker tells its progress; it
+        // waits for this slot, which replugs the board.
+        int replugged = -1;
+        QByteArray fresh;
+        std::unique_ptr<clerk> w = worker(Command::FileToChip, path("sections.hex"));
+        connect(w.get(), &clerk::percent_up, this, [&](int) {
+            if (replugged < 0) {
+                bus->removeBoard(board);
+                replugged = bus->addBoard({0x2976, 3, 1, 6});
+                fresh = bus->registers(replugged);
+            }
+        }, Qt::BlockingQueuedConnection);
+        QCOMPARE(runToEnd(w.get()),
+                 QStringList{"Write block error\nsections 1 of 3 written (10 of 30 registers); the board changed"});
+        QCOMPARE(progress, QList<int>{33});
+        QCOMPARE(bus->registers(replugged), fresh);
+
+        QByteArray longSection = ";ZV4280v2\n";
+        for (int i = 0; i < 2500; ++i)
+            longSection += "Reg" + QByteArray::number(i % 291) + " 5A\n";
+        write(path("long.hex"), longSection);
+        progress.clear();
+        QCOMPARE(run(Command::FileToChip, path("long.hex")), QString());
+        QCOMPARE(progress, (QList<int>{40, 80, 100}));
+        QCOMPARE(bus->registers(replugged).at(100), char(0x5A));
     }
 
-    void functionKeysInEveryWindow()
+    // Files that no load takes are refused whole, before anything is sent
+    // or applied: by F5, F7 and F9 alike a file that is none, and by F9 a
+    // register line that is no register, with the line named.
+    void refusedFiles_data()
     {
-        for (const char* window : {"dockA", "service", "ZV4280v2"}) {
-            QWidget* w = main->windows.value(window);
-            QWidget* target = window == QByteArray("ZV4280v2") ? w->findChild<QTableView*>("RegisterTable") : w;
-            QTest::keyClick(target, Qt::Key_F5);
-            QVERIFY2(main->worker, window);
-            QVERIFY(waitIdle(main));
-            // F11 goes past the action: unchecked, it starts nothing.
-            QTest::keyClick(target, Qt::Key_F11);
-            QVERIFY2(!main->worker, window);
+        QTest::addColumn<int>("command");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("message"); // FILE stands for the file's path
+        // What makes a whole file bad is for tst_hexfile to pin.
+        for (int command : {3, 5})
+            QTest::addRow("command %d, map line only", command) << command << QByteArray(";ZV4280v2\n") << "\"FILE\" holds no register line";
+        const std::pair<const char*, const char*> lines[] = {
+            {"Reg99999999999 05", "no register \"99999999999\": registers are 0 to 290"},
+            {"Reg16500 01", "no register \"16500\": registers are 0 to 290"},
+            {"Reg-2 05", "no register \"-2\": registers are 0 to 290"},
+            {"RegX 05", "no register \"X\": registers are 0 to 290"}};
+        for (auto [line, why] : lines)
+            QTest::addRow("command 3, %s", line) << 3 << ";ZV4280v2\nReg20 55\n" + QByteArray(line) + "\nReg21 66\n"
+                                                 << QString("FILE, line 3: %1 (\"%2\")").arg(why, line);
+    }
+    void refusedFiles()
+    {
+        QFETCH(int, command);
+        QFETCH(QByteArray, text);
+        QFETCH(QString, message);
+        write(path("refused.hex"), text);
+        bus->clearWireLog();
+        const QByteArray images = image(map->guiImage) + image(map->cfgImage);
+        QCOMPARE(run(Command(command), path("refused.hex")), message.replace("FILE", path("refused.hex")));
+        QCOMPARE(sent().size(), 1); // the identity read alone
+        QCOMPARE(image(map->guiImage) + image(map->cfgImage), images);
+    }
+
+    // Where the name of the map in a file is looked at, and what it must be.
+    void mapNames_data()
+    {
+        QTest::addColumn<int>("command");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<bool>("configCheck");
+        QTest::addColumn<bool>("accepted");
+        const QByteArray saved = ";ZV4280\nReg40\t5A\n", exact = ";ZV4280v2\nReg40\t5A\n", bare = "Reg40\t5A\n",
+                         other = ";XY12\nReg40\t5A\n";
+        for (bool check : {true, false}) {
+            QTest::addRow("file to chip, saved by the tool, check %d", check) << 3 << saved << check << !check;
+            QTest::addRow("file to chip, exact name, check %d", check) << 3 << exact << check << true;
+            QTest::addRow("file to chip, no map line, check %d", check) << 3 << bare << check << true;
+            QTest::addRow("file to chip, other map, check %d", check) << 3 << other << check << !check;
+            QTest::addRow("file to GUI, saved by the tool, check %d", check) << 5 << saved << check << true;
+            QTest::addRow("file to GUI, exact name, check %d", check) << 5 << exact << check << true;
+            QTest::addRow("file to GUI, no map line, check %d", check) << 5 << bare << check << !check;
+            QTest::addRow("file to GUI, other map, check %d", check) << 5 << other << check << !check;
         }
+    }
+    void mapNames()
+    {
+        QFETCH(int, command);
+        QFETCH(QByteArray, text);
+        QFETCH(bool, accepted);
+        QFETCH(bool, configCheck);
+        write(path("names.hex"), text);
+        settings.configCheck = configCheck;
+        bus->chip(board).setReg(40, 0);
+        map->guiImage[40] = 0;
+        const QByteArray images = image(map->guiImage) + image(map->cfgImage);
+        const QString needs = command == 3 ? "\n" + path("names.hex") + " needs the map line ;ZV4280v2" : "";
+        QCOMPARE(run(Command(command), path("names.hex")), accepted ? QString() : "RegMap name is incorrect\nor not exist" + needs);
+        const quint8 landed = command == 3 ? bus->chip(board).reg(40) : map->guiImage[40];
+        QCOMPARE(landed, quint8(accepted ? 0x5A : 0));
+        if (!accepted)
+            QCOMPARE(image(map->guiImage) + image(map->cfgImage), images);
+        if (!accepted && command == 3)
+            QCOMPARE(sent().size(), 1); // the identity read alone
+    }
+
+    // A file of three registers: cfgImage is that file, guiImage keeps every
+    // other register; a later line wins, a register beyond the image is
+    // passed over, and a missing file changes nothing.
+    void fileToGui()
+    {
+        std::fill_n(map->guiImage, map->registerCount, quint8(0xEE));
+        write(path("three.hex"), ";ZV4280\nReg0\t01\nReg1\t02\nReg2\t03\nReg1\t12\nReg290\t2A\nReg291\t44\nReg99999\t55\n");
+        QCOMPARE(run(Command::FileToGui, path("three.hex")), QString());
+        QByteArray cfg(int(map->registerCount), 0), gui(int(map->registerCount), char(0xEE));
+        cfg[0] = gui[0] = 1, cfg[1] = gui[1] = 0x12, cfg[2] = gui[2] = 3, cfg[290] = gui[290] = 0x2A;
+        QCOMPARE(image(map->cfgImage), cfg);
+        QCOMPARE(image(map->guiImage), gui);
+        QCOMPARE(run(Command::FileToGui, path("missing.hex")), QStringLiteral("\".hex\" file is not available"));
+        QCOMPARE(image(map->guiImage), gui);
+        QCOMPARE(run(Command::FileToChip, path("missing.hex")), QStringLiteral("\".hex\" file is not available"));
+    }
+
+    void chipToFile()
+    {
+        fillChip();
+        QCOMPARE(run(Command::ChipToFile, path("chip.hex")), QString());
+        QByteArray expected = ";ZV4280\n";
+        for (int r = 0; r < 291; ++r)
+            expected += "Reg" + QByteArray::number(r) + '\t'
+                        + QByteArray::number(bus->chip(board).reg(r), 16).rightJustified(2, '0').toUpper() + '\n';
+        QCOMPARE(readFile(path("chip.hex")), expected);
+        // Appended, the file grows by a second section.
+        settings.mergeFile = true;
+        QCOMPARE(run(Command::ChipToFile, path("chip.hex")), QString());
+        QCOMPARE(readFile(path("chip.hex")).count(";ZV4280\n"), 2);
+        // No board: the old file stays as it was.
+        settings.mergeFile = false;
+        bus->removeBoard(board);
+        QCOMPARE(run(Command::ChipToFile, path("chip.hex")), QStringLiteral("WINUSB: USB interface error "));
+        QCOMPARE(readFile(path("chip.hex")).count(";ZV4280\n"), 2);
+    }
+
+    // A disk that fills up: a save of the forms and chip to file say so, and
+    // the old file stays; a folder in the way of the file: the save says so.
+    void failedSaves()
+    {
+        settings.comments = true;
+        const QByteArray before = ";ZV4280\nReg0\t12\n";
+        write(path("gui.hex"), before);
+        limitFileSize(2048);
+        const QStringList full = {run(Command::GuiToFile, path("gui.hex")), run(Command::ChipToFile, path("gui.hex"))};
+        limitFileSize(-1);
+        const QString fullMessage = "\"" + path("gui.hex") + "\" could not be written (File too large); the file is as it was";
+        QCOMPARE(full, QStringList({fullMessage, fullMessage}));
+        QCOMPARE(readFile(path("gui.hex")), before);
+        QVERIFY(QDir(dir.path()).mkpath("taken.hex"));
+        QCOMPARE(run(Command::GuiToFile, path("taken.hex")), QStringLiteral("\".hex\" file is not available"));
+        QCOMPARE(run(Command::ChipToFile, path("no/such.hex")),
+                 "\".hex\" file is not available\nthe folder \"" + path("no") + "\" does not exist");
+        QVERIFY(QFileInfo(path("taken.hex")).isDir());
     }
 };
 
-QTEST_MAIN(tst_worker)
+QTEST_GUILESS_MAIN(tst_worker)
 #include "tst_worker.moc"

@@ -4,7 +4,7 @@
 
 #include "simulated_chip.h"
 #include "testbed.h"
-#include "testsupport.h"
+#include "enginesupport.h"
 
 // The frames the host sent, in order.
 inline QList<QByteArray> sentFrames(const zvsim::Testbed& bus)

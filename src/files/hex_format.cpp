@@ -41,7 +41,7 @@ QString registerText(const QString& line)
 }
 
 // True when text is one or more ASCII digits of the base, 10 or 16.
-bool digitsOnly(const QStringRef& text, int base)
+bool digitsOnly(QStringView text, int base)
 {
     for (const QChar c : text) {
         const int ascii = c.unicode() > 0x7F ? 0 : c.unicode();
@@ -63,7 +63,7 @@ bool digitsOnly(const QStringRef& text, int base)
 std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
 {
     const QString text = registerText(line);
-    const QVector<QStringRef> pieces = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QList<QStringView> pieces = QStringView(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     if (pieces.size() < 2)
         return std::nullopt;
 
@@ -76,8 +76,8 @@ std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
 QString HexFormat::chipLineFault(const QString& line, int registerCount)
 {
     const QString text = registerText(line);
-    const QVector<QStringRef> pieces = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
-    const QStringRef number = pieces.value(0), value = pieces.value(1);
+    const QList<QStringView> pieces = QStringView(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QStringView number = pieces.value(0), value = pieces.value(1);
     // "-1" is the pause marker a map line also makes: file to chip waits there.
     const bool pause = number == QLatin1String("-1");
     if (!pause && (!digitsOnly(number, 10) || number.size() > 9 || number.toInt() >= registerCount))

@@ -308,7 +308,7 @@ private slots:
             else
                 QVERIFY2(text != "n/a" || unknownBefore.contains(name), qPrintable(name));
         }
-        QCOMPARE(QPair(bulbs, fields), QPair(32, 46));
+        QCOMPARE(qMakePair(bulbs, fields), qMakePair(32, 46));
     }
 
     // After a read that changed no register no widget fires, and yet every

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringView>
 #include <QtGlobal>
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
@@ -28,6 +29,17 @@ inline QString fromUtf8(const QByteArray& bytes, bool* invalid)
     *invalid = state.invalidChars > 0;
 #endif
     return text;
+}
+
+// The number that text in the base spells, 0 when it spells none. Qt 6 reads
+// the digits before a zero character as the number; Qt 5, as here, none.
+inline int toInt(QStringView text, int base)
+{
+    return text.contains(QChar(0)) ? 0 : text.toInt(nullptr, base);
+}
+inline uint toUInt(QStringView text, int base)
+{
+    return text.contains(QChar(0)) ? 0 : text.toUInt(nullptr, base);
 }
 
 // The catalogue's texts stand in static storage and become QStrings with no

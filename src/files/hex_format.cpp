@@ -1,6 +1,8 @@
 // The text format of the .hex settings files.
 #include "hex_format.h"
 
+#include "qt_compat.h"
+
 #include <QStringList>
 #include <QVector>
 
@@ -68,8 +70,8 @@ std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
         return std::nullopt;
 
     Register r;
-    r.number = pieces.at(0).toInt(nullptr, 10);
-    r.value = quint8(pieces.at(1).toUInt(nullptr, 16) & 0xFFu);
+    r.number = QtCompat::toInt(pieces.at(0), 10);
+    r.value = quint8(QtCompat::toUInt(pieces.at(1), 16) & 0xFFu);
     return r;
 }
 

@@ -334,7 +334,7 @@ private slots:
                      qPrintable(d.objectName));
             displays += !text.isEmpty();
         }
-        QCOMPARE(QPair(bulbs, fields), QPair(32, 46));
+        QCOMPARE(qMakePair(bulbs, fields), qMakePair(32, 46));
         QCOMPARE(displays, 88);
     }
 

@@ -302,7 +302,7 @@ bool CtlOptions::number(const QString& text, qint64* value)
     bool ok = false;
     qint64 v = 0;
     if (text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
-        v = text.midRef(2).toLongLong(&ok, 16);
+        v = QStringView(text).mid(2).toLongLong(&ok, 16);
     else if (!text.isEmpty() && text.at(0).isDigit())
         v = text.toLongLong(&ok, 10);
     if (!ok || v < 0)

@@ -33,7 +33,7 @@ Catalogue::Catalogue()
     // Texts stand on their static data and equal lists are shared, so that
     // the entries cost few allocations.
     auto text = [&t](quint32 i) {
-        return QString(QStringDataPtr{static_cast<QStringData*>(const_cast<QArrayData*>(t.texts[i]))});
+        return QtCompat::staticText(t.texts[i]);
     };
     QHash<quint32, QStringList> itemLists;
     QHash<quint32, QVector<quint32>> widths;
@@ -93,14 +93,14 @@ Catalogue::Catalogue()
     displayList.reserve(int(t.displayCount));
     for (quint32 i = 0; i < t.displayCount; ++i) {
         const CatalogueTables::Display& row = t.displays[i];
-        displayList.append({text(row.objectName), text(row.key), text(row.window),
+        displayList.append(DisplayEntry{text(row.objectName), text(row.key), text(row.window),
                             text(row.tab), text(row.group), text(row.text),
                             text(row.tooltipOwner), row.enabled, row.ancestorsEnabled});
     }
     captionList.reserve(int(t.captionCount));
     for (quint32 i = 0; i < t.captionCount; ++i) {
         const CatalogueTables::Caption& row = t.captions[i];
-        captionList.append({text(row.objectName), text(row.text), text(row.window),
+        captionList.append(CaptionEntry{text(row.objectName), text(row.text), text(row.window),
                             row.enabled});
     }
     chip = text(t.chip);

@@ -2,9 +2,11 @@
 
 // The field catalogue as the generator writes it from the forms at build
 // time: numbers, and texts as indexes into one pool of texts, in which index
-// 0 is the empty text. Each text is static string data, as QStringLiteral
-// makes it, so that the catalogue's texts cost no allocation and no copy.
+// 0 is the empty text. Each text is static string data (QtCompat::StaticText),
+// so that the catalogue's texts cost no allocation and no copy.
 // Catalogue turns the tables into its entries.
+
+#include "qt_compat.h"
 
 #include <QString>
 
@@ -34,7 +36,7 @@ struct CatalogueTables
         bool enabled;
     };
 
-    const QArrayData* const* texts; // the header of each text's static data
+    const QtCompat::StaticText* const* texts;
     quint32 textCount;
     const Field* fields; // sorted by key
     quint32 fieldCount;

@@ -1,6 +1,8 @@
 // The text format of the .hex settings files.
 #include "hex_format.h"
 
+#include "qt_compat.h"
+
 #include <QStringList>
 #include <QVector>
 
@@ -39,7 +41,7 @@ QString HexFormat::readerText(const QString& line)
 namespace {
 
 // True when text is one or more ASCII digits of the base, 10 or 16.
-bool digitsOnly(const QStringRef& text, int base)
+bool digitsOnly(QStringView text, int base)
 {
     for (const QChar c : text) {
         const int ascii = c.unicode() > 0x7F ? 0 : c.unicode();
@@ -61,20 +63,20 @@ bool digitsOnly(const QStringRef& text, int base)
 std::optional<HexFormat::Register> HexFormat::readRegister(const QString& line)
 {
     const QString text = readerText(line);
-    const QVector<QStringRef> pieces = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QList<QStringView> pieces = QStringView(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     if (pieces.size() < 2)
         return std::nullopt;
 
     Register r;
-    r.number = pieces.at(0).toInt(nullptr, 10);
-    r.value = quint8(pieces.at(1).toUInt(nullptr, 16) & 0xFFu);
+    r.number = QtCompat::toInt(pieces.at(0), 10);
+    r.value = quint8(QtCompat::toUInt(pieces.at(1), 16) & 0xFFu);
     return r;
 }
 
 QString HexFormat::numberFault(const QString& line, int registerCount)
 {
     const QString text = readerText(line);
-    const QStringRef number = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts).value(0);
+    const QStringView number = QStringView(text).split(QLatin1Char(' '), Qt::SkipEmptyParts).value(0);
     // "-1" is the pause marker a map line also makes: file to chip waits there.
     const bool pause = number == QLatin1String("-1");
     if (!pause && (!digitsOnly(number, 10) || number.size() > 9 || number.toInt() >= registerCount))
@@ -88,7 +90,7 @@ QString HexFormat::chipLineFault(const QString& line, int registerCount)
     if (!fault.isEmpty())
         return fault;
     const QString text = readerText(line);
-    const QStringRef value = text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts).value(1);
+    const QStringView value = QStringView(text).split(QLatin1Char(' '), Qt::SkipEmptyParts).value(1);
     if (!digitsOnly(value, 16) || value.size() > 2)
         return QStringLiteral("the value \"%1\" is no byte: one or two hex digits, 00 to FF").arg(value);
     return QString();

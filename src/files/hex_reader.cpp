@@ -2,9 +2,9 @@
 #include "hex_reader.h"
 
 #include "hex_format.h"
+#include "qt_compat.h"
 
 #include <QFile>
-#include <QTextCodec>
 
 bool HexReader::readLines(const QString& path, QStringList* lines, QString* refusal)
 {
@@ -24,17 +24,16 @@ bool HexReader::readLines(const QString& path, QStringList* lines, QString* refu
         *refusal = QStringLiteral("\"%1\" is UTF-16 text; a settings file is UTF-8 or plain ASCII").arg(path);
         return false;
     }
-    QTextCodec* utf8 = QTextCodec::codecForName("UTF-8");
     int texts = 0, binaries = 0, registers = 0;
     for (const QByteArray& raw : bytes.split('\n')) {
-        QTextCodec::ConverterState state;
         // The decoder drops a byte order mark that an editor may have put
         // first. A zero byte is a character like any other, not the line's end.
-        const QString line = utf8->toUnicode(raw.constData(), raw.size(), &state).trimmed();
+        bool invalid = false;
+        const QString line = QtCompat::fromUtf8(raw, &invalid).trimmed();
         lines->append(line);
         if (line.isEmpty())
             continue;
-        (raw.contains('\0') || state.invalidChars > 0 ? binaries : texts) += 1;
+        (raw.contains('\0') || invalid ? binaries : texts) += 1;
         if (HexFormat::classify(line) == HexFormat::LineKind::Register && HexFormat::readRegister(line))
             ++registers;
     }

@@ -14,6 +14,8 @@ service_block::service_block(QWidget* parent) : QWidget(parent), ui(new Ui::serv
 {
     ui->setupUi(this);
     usb = new usb_link;
+    connect(ui->flag_currentInterface, &QComboBox::currentTextChanged, this,
+            &service_block::on_flag_currentInterface_currentIndexChanged);
     setWindowTitle(QStringLiteral("Service settings"));
     ui->flag_speedCom->hide();
     ui->label_TB->hide();

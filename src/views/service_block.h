@@ -42,6 +42,10 @@ public slots:
     void on_SpinRegisterValue_valueChanged(int value);
     void change_Value(int);
     void on_search_interface_clicked();
+
+public:
+    // Connected to the device box's text by hand, not by its name: Qt 6's
+    // combo box has no currentIndexChanged(QString) to connect it to.
     void on_flag_currentInterface_currentIndexChanged(QString arg1);
 
 protected:

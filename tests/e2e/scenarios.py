@@ -2,7 +2,7 @@
 # End-to-end scenarios: the built program on a simulated board under a
 # virtual X server, driven with keys and clicks and read back from its
 # windows. One scenario a run:
-#   scenarios.py NAME --launcher zvsim-launch --program zv4280tb --defaults default.hex [--build DIR]
+#   scenarios.py NAME --launcher zvsim-launch --program zv4280tb --defaults default.hex [--build DIR] [--deb FILE]
 
 import argparse
 import os
@@ -283,26 +283,34 @@ def windows(args):
 
 
 def installed(args):
-    # `cmake --install` into a fresh prefix lays the tool out, and the
-    # installed start script runs it in the user's working folder, seeded with
-    # the shipped default.hex, where it reads the board.
-    check(args.build, "--build is needed")
+    # `cmake --install` into a fresh prefix (or the .deb, unpacked) lays the
+    # tool out, and the installed start script runs it in the user's working
+    # folder, seeded with the shipped default.hex, where it reads the board.
+    check(args.build or args.deb, "--build or --deb is needed")
     desk = Desk()
     try:
-        prefix = os.path.join(desk.tmp, "prefix")
-        subprocess.run(["cmake", "--install", args.build, "--prefix", prefix], check=True,
-                       stdout=subprocess.DEVNULL)
-        for path in ("bin/zv4280tb", "bin/zv4280tb-session"):
+        if args.deb:
+            root = os.path.join(desk.tmp, "root")
+            subprocess.run(["dpkg-deb", "-x", args.deb, root], check=True)
+            prefix, rules = os.path.join(root, "usr"), os.path.join(root, "lib/udev/rules.d/60-zv4280.rules")
+            shipped = ["lib/python3/dist-packages/zv4280.py", "share/man/man1/zv4280ctl.1.gz",
+                       "share/doc/zv4280tb/copyright"]
+        else:
+            prefix = os.path.join(desk.tmp, "prefix")
+            subprocess.run(["cmake", "--install", args.build, "--prefix", prefix], check=True,
+                           stdout=subprocess.DEVNULL)
+            rules, shipped = os.path.join(prefix, "lib/udev/rules.d/60-zv4280.rules"), []
+        for path in ("bin/zv4280tb", "bin/zv4280tb-session", "bin/zv4280ctl"):
             check(os.access(os.path.join(prefix, path), os.X_OK), f"{path} is not an installed program")
-        for path in ("share/zv4280tb/default.hex", "share/applications/zv4280tb.desktop",
+        for path in ["share/zv4280tb/default.hex", "share/applications/zv4280tb.desktop",
                      "share/icons/hicolor/scalable/apps/zv4280tb.svg", "share/icons/hicolor/64x64/apps/zv4280tb.png",
-                     "lib/udev/rules.d/60-zv4280.rules"):
+                     rules] + shipped:
             check(os.path.isfile(os.path.join(prefix, path)), f"{path} is not installed")
         with open(os.path.join(prefix, "share/applications/zv4280tb.desktop")) as f:
             entry = dict(line.strip().split("=", 1) for line in f if "=" in line)
         check(entry.get("Exec") == "zv4280tb-session" and entry.get("Icon") == "zv4280tb",
               "the desktop entry does not start the installed script with the installed icon")
-        with open(os.path.join(prefix, "lib/udev/rules.d/60-zv4280.rules")) as f:
+        with open(rules) as f:
             rules = f.read()
         check('ATTR{idVendor}=="2976", MODE="0660", GROUP="plugdev"' in rules and 'TAG+="uaccess"' in rules,
               "the udev rule does not open the bridge boards to plugdev and the seat")
@@ -332,8 +340,9 @@ def main():
     for name in ("--launcher", "--program", "--defaults"):
         parser.add_argument(name, required=True)
     parser.add_argument("--build", help="the build folder, for the scenario of the install")
+    parser.add_argument("--deb", help="the package, for the scenario of the install from it")
     args = parser.parse_args()
-    for name in ("launcher", "program", "defaults", "build"):
+    for name in ("launcher", "program", "defaults", "build", "deb"):
         if getattr(args, name):
             setattr(args, name, os.path.abspath(getattr(args, name)))
     start = time.monotonic()

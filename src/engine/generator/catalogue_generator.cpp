@@ -378,12 +378,10 @@ QString writeSource(const QString& path, const QStringList& forms, Collector& c)
       << "\n// Do not edit: the forms are the one definition of a field.\n"
       << "#include \"catalogue_tables.h\"\n\nnamespace {\n\n";
     for (int i = 0; i < texts.size(); ++i)
-        h << "const QStaticStringData<" << texts.at(i).size() << "> t" << i
-          << " = {Q_STATIC_STRING_DATA_HEADER_INITIALIZER(" << texts.at(i).size() << "), "
-          << literal(texts.at(i)) << "};\n";
-    h << "\nconst QArrayData* const texts[] = {";
+        h << "ZV_STATIC_TEXT(t" << i << ", " << texts.at(i).size() << ", " << literal(texts.at(i)) << ");\n";
+    h << "\nconst QtCompat::StaticText* const texts[] = {";
     for (int i = 0; i < texts.size(); ++i)
-        h << (i % 8 ? " " : "\n    ") << "&t" << i << ".str,";
+        h << (i % 8 ? " " : "\n    ") << "ZV_STATIC_TEXT_REF(t" << i << "),";
     h << "\n};\n\n";
     h.flush();
     out << "} // namespace\n\nextern const CatalogueTables catalogueTables = {texts, " << texts.size()

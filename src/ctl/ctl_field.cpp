@@ -111,6 +111,17 @@ QString CtlField::allowed() const
     return range + QStringLiteral(": ") + numbered.join(QStringLiteral(" | "));
 }
 
+QString CtlField::refusal(qint64 code, const QString& given) const
+{
+    if (!editable())
+        return QStringLiteral("%1 is a %2 that only displays what the chip holds; "
+                              "check boxes, combo boxes and spin boxes can be set")
+            .arg(name(), kindWords());
+    if (code < qint64(lowest()) || code > qint64(highest()))
+        return QStringLiteral("%1 (%2) takes %3, not \"%4\"").arg(name(), kindWords(), allowed(), given);
+    return QString();
+}
+
 QStringList CtlField::items() const
 {
     return widgetKind == Kind::ComboBox ? model->items(index) : QStringList();

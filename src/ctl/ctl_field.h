@@ -39,6 +39,9 @@ public:
     QString allowed() const;
     // A combo box's items.
     QStringList items() const;
+    // Why the field cannot be set to a code (as the user gave it), or empty
+    // when it can; -1 stands for a code that is no number.
+    QString refusal(qint64 code, const QString& given) const;
     // Registers that the field's bits touch, in rising order.
     QList<int> registers() const;
 

@@ -1,6 +1,7 @@
 // field and fields of zv4280ctl.
 #include "field_commands.h"
 
+#include "bench_methods.h"
 #include "ctl_board.h"
 #include "ctl_field.h"
 #include "ctl_options.h"
@@ -76,16 +77,15 @@ int FieldCommands::write(const QStringList& assignments)
             return status;
         const CtlField& f = fields.last();
         if (!f.editable())
-            return out.fail(CtlExit::Usage, QStringLiteral("%1 is a %2 that only displays what the chip holds; "
-                                                           "check boxes, combo boxes and spin boxes can be set")
-                                                .arg(f.name(), f.kindWords()));
+            return out.fail(CtlExit::Usage, f.refusal(0, codeText));
         for (int i = 0; i + 1 < fields.size(); ++i)
             if (&fields.at(i).record() == &f.record())
                 return out.fail(CtlExit::Usage, QStringLiteral("%1 is given twice").arg(f.name()));
         qint64 code = -1;
-        if (!CtlOptions::number(codeText, &code) || code < f.lowest() || code > f.highest())
-            return out.fail(CtlExit::Usage, QStringLiteral("%1 (%2) takes %3, not \"%4\"")
-                                                .arg(f.name(), f.kindWords(), f.allowed(), codeText));
+        CtlOptions::number(codeText, &code);
+        const QString refused = f.refusal(code, codeText);
+        if (!refused.isEmpty())
+            return out.fail(CtlExit::Usage, refused);
         codes.append(quint32(code));
     }
 
@@ -132,14 +132,8 @@ void FieldCommands::report(const QList<CtlField>& fields, const QList<quint32>& 
     QJsonArray list;
     for (int i = 0; i < fields.size(); ++i) {
         const CtlField& f = fields.at(i);
-        const QString text = f.text();
-        out.line(QStringLiteral("%1=%2\t%3").arg(f.name()).arg(f.code()).arg(text));
-        QJsonObject entry{{QStringLiteral("name"), f.name()},
-                          {QStringLiteral("code"), qint64(f.code())},
-                          {QStringLiteral("text"), text},
-                          {QStringLiteral("location"), buildToolTip(f.record())}};
-        if (f.estimated())
-            entry.insert(QStringLiteral("estimated"), true);
+        QJsonObject entry = BenchMethods::fieldJson(f);
+        out.line(QStringLiteral("%1=%2\t%3").arg(f.name()).arg(f.code()).arg(entry.value(QStringLiteral("text")).toString()));
         if (i < asked.size())
             entry.insert(QStringLiteral("asked"), qint64(asked.at(i)));
         list.append(entry);

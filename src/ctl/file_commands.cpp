@@ -23,15 +23,14 @@ int FileCommands::boardFailure(const QString& what)
 // ";ZV4280v2", ";ZV4280.2", read as a load into the forms reads them), every
 // register line holds one of the chip's registers and a byte, and one
 // register line at least is there.
-int FileCommands::checkLoad(const QString& file, int* status)
+int FileCommands::check(const QString& file, const RegisterImages& map, QString* refusal)
 {
     QStringList lines;
-    QString refusal;
-    if (!HexReader::readLines(file, &lines, &refusal)) {
-        *status = out.fail(CtlExit::Usage, refusal.isEmpty() ? QStringLiteral("cannot read \"%1\"").arg(file) : refusal);
+    if (!HexReader::readLines(file, &lines, refusal)) {
+        if (refusal->isEmpty())
+            *refusal = QStringLiteral("cannot read \"%1\"").arg(file);
         return -1;
     }
-    const RegisterImages& map = session.images();
     int registers = 0;
     for (int i = 0; i < lines.size(); ++i) {
         const QString& line = lines.at(i);
@@ -39,9 +38,9 @@ int FileCommands::checkLoad(const QString& file, int* status)
         case HexFormat::LineKind::Map: {
             const QString name = HexFormat::loadedMapName(line);
             if (name != map.chipName) {
-                *status = out.fail(CtlExit::Usage, HexFormat::refusedLine(file, i + 1, line,
-                                                                          QStringLiteral("the map \"%1\" is not this chip's; a saved file names it \"%2\"")
-                                                                              .arg(HexFormat::mapName(line), HexFormat::mapLine(map.chipName))));
+                *refusal = HexFormat::refusedLine(file, i + 1, line,
+                                                  QStringLiteral("the map \"%1\" is not this chip's; a saved file names it \"%2\"")
+                                                      .arg(HexFormat::mapName(line), HexFormat::mapLine(map.chipName)));
                 return -1;
             }
             break;
@@ -49,7 +48,7 @@ int FileCommands::checkLoad(const QString& file, int* status)
         case HexFormat::LineKind::Register: {
             const QString fault = HexFormat::chipLineFault(line, int(map.registerCount));
             if (!fault.isEmpty()) {
-                *status = out.fail(CtlExit::Usage, HexFormat::refusedLine(file, i + 1, line, fault));
+                *refusal = HexFormat::refusedLine(file, i + 1, line, fault);
                 return -1;
             }
             registers += HexFormat::readRegister(line)->number >= 0 ? 1 : 0; // -1 is a pause
@@ -59,6 +58,15 @@ int FileCommands::checkLoad(const QString& file, int* status)
             break;
         }
     }
+    return registers;
+}
+
+int FileCommands::checkLoad(const QString& file, int* status)
+{
+    QString refusal;
+    const int registers = check(file, session.images(), &refusal);
+    if (registers < 0)
+        *status = out.fail(CtlExit::Usage, refusal);
     return registers;
 }
 

@@ -6,6 +6,7 @@
 
 class CtlOutput;
 class CtlSession;
+class RegisterImages;
 
 class FileCommands
 {
@@ -18,6 +19,10 @@ public:
     // "save FILE [--comments] [--changes-only [--base FILE]]": the chip read
     // into the forms (command 1), then the worker's GUI to file (command 6).
     int save(const QString& file, bool comments, bool changesOnly, const QString& base);
+
+    // The register lines of a file that a load into this map may send; -1
+    // with the reason when a load refuses the file.
+    static int check(const QString& file, const RegisterImages& map, QString* refusal);
 
 private:
     // The register lines of a file that a load may send; -1 after a refusal.

@@ -8,6 +8,7 @@
 #include "stdio_transport.h"
 
 #include <QEventLoop>
+#include <QScopeGuard>
 #include <QSocketNotifier>
 
 #include <csignal>
@@ -26,12 +27,25 @@ void onSignal(int)
 
 } // namespace
 
-ServeCommand::ServeCommand(CtlSession& s, CtlOutput& o) : session(s), out(o), methods(*this) {}
+namespace {
+
+// The pause after a request that closes the board, in milliseconds.
+constexpr int kIdleClose = 250;
+
+} // namespace
+
+ServeCommand::ServeCommand(CtlSession& s, CtlOutput& o) : session(s), out(o), methods(*this)
+{
+    idle.setSingleShot(true);
+    idle.setInterval(kIdleClose);
+    QObject::connect(&idle, &QTimer::timeout, [this] { session.link().closeBoard(); });
+}
 
 int ServeCommand::run(const QString& listenPath)
 {
     RpcDispatcher dispatcher;
     bind(dispatcher);
+    const auto closing = qScopeGuard([this] { session.link().keepOpen(false); });
     QEventLoop loop;
     if (listenPath.isEmpty()) {
         StdioTransport stdio(dispatcher);
@@ -82,8 +96,21 @@ PanelSettings ServeCommand::settings() const
     return session.settings;
 }
 
+void ServeCommand::burst()
+{
+    session.link().keepOpen(true);
+    idle.start();
+}
+
 void ServeCommand::run(clerk::Command command, const QString& fileName, const PanelSettings& settings, Ended ended)
 {
+    burst();
     session.settings = settings;
     ended(session.run(command, fileName), false);
+}
+
+void ServeCommand::step(const std::function<void()>& work)
+{
+    burst();
+    work();
 }

@@ -7,6 +7,7 @@
 #include "rpc_bench.h"
 
 #include <QString>
+#include <QTimer>
 
 class CtlOutput;
 class CtlSession;
@@ -35,10 +36,15 @@ public:
     bool busy() const override { return false; }
     void whenIdle(std::function<void()>) override {}
     void run(clerk::Command command, const QString& fileName, const PanelSettings& settings, Ended ended) override;
-    void step(const std::function<void()>& work) override { work(); }
+    void step(const std::function<void()>& work) override;
 
 private:
+    // The board stays open through a burst of requests and closes after a
+    // short pause or at the end.
+    void burst();
+
     CtlSession& session;
     CtlOutput& out;
     BenchMethods methods;
+    QTimer idle;
 };

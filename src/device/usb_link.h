@@ -71,6 +71,13 @@ public:
     void holdBoard();
     void releaseBoard();
 
+    // A burst of operations (a script's requests) keeps the board open from
+    // one operation to the next, until closeBoard() or keepOpen(false); a
+    // transfer that fails closes it, so that the next operation opens the
+    // board anew and finds it replugged or gone.
+    void keepOpen(bool keep);
+    void closeBoard();
+
     // The vendor identifier of every bridge board; the product may be any.
     static constexpr quint16 kBridgeVendor = 0x2976;
     static constexpr unsigned kTimeoutMs = 5000;
@@ -124,4 +131,7 @@ private:
     int holds = 0;
     QString heldKey;     // the board held, once the first operation opened it
     bool stalled = false; // an endpoint stalled: the next open clears the halts
+    bool keep = false;
+    libusb_device_handle* kept = nullptr; // open and claimed between operations
+    QString keptKey;
 };

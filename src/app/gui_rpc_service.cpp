@@ -33,26 +33,9 @@ GuiRpcService::GuiRpcService(MainClass& w, QObject* parent) : QObject(parent), w
     // Waiting requests try again once the window's loop has dealt with the
     // end, so that the next step of a request under way comes first.
     connect(&window, &MainClass::operationEnded, this, &GuiRpcService::retryWaiting, Qt::QueuedConnection);
-    idle.setSingleShot(true);
-    idle.setInterval(250);
-    connect(&idle, &QTimer::timeout, this, [this] {
-        if (window.running)
-            idle.start();
-        else
-            link().keepOpen(false);
-    });
 }
 
-void GuiRpcService::burst()
-{
-    link().keepOpen(true);
-    idle.start();
-}
-
-GuiRpcService::~GuiRpcService()
-{
-    link().keepOpen(false);
-}
+GuiRpcService::~GuiRpcService() = default;
 
 bool GuiRpcService::listen(const QString& given, QString* error)
 {
@@ -117,13 +100,11 @@ void GuiRpcService::retryWaiting()
 
 void GuiRpcService::run(clerk::Command command, const QString& fileName, const PanelSettings& settings, Ended ended)
 {
-    burst();
     if (!window.startScripted(command, settings, fileName, ended))
         ended(tr("another operation runs"), true);
 }
 
 void GuiRpcService::step(const std::function<void()>& work)
 {
-    burst();
     window.runScripted(work);
 }

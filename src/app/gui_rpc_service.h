@@ -11,7 +11,6 @@
 
 #include <QObject>
 #include <QString>
-#include <QTimer>
 
 #include <functional>
 #include <vector>
@@ -46,14 +45,10 @@ public:
 
 private:
     void retryWaiting();
-    // The board stays open through a burst of requests, and closes after a
-    // short pause once no operation runs.
-    void burst();
 
     MainClass& window;
     RpcDispatcher dispatcher;
     BenchMethods methods;
     RpcLocalServer* server = nullptr;
     std::vector<std::function<void()>> waiting;
-    QTimer idle;
 };

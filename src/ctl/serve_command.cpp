@@ -30,7 +30,7 @@ void onSignal(int)
 namespace {
 
 // The pause after a request that closes the board, in milliseconds.
-constexpr int kIdleClose = 250;
+constexpr int kIdleClose = 100;
 
 } // namespace
 

@@ -1,10 +1,11 @@
 // Requests answered by `zv4280ctl serve` on a simulated board, one at a
 // time as a script sends them: 1000 of registers.read count 1 (the time of
-// all 1000, median over runs, and the median request), and reads of the
-// whole map; beside them, 1000 reads of one register through the USB link in
-// this process, which open and close the board as each request does, without
-// the protocol. The board is served by this program's testbed thread, as the
-// launcher serves it.
+// all 1000, median over runs, and the median request), reads of the whole
+// map, and fields.set of one field with its write, read-back and check; then
+// the same reads through the running program's socket (zv4280tb on the
+// offscreen platform); beside them, 1000 reads of one register through the
+// USB link in this process, which open and close the board for each. The
+// board is served by this program's testbed thread, as the launcher serves it.
 
 #include "bench_support.h"
 #include "testbed.h"
@@ -12,7 +13,11 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFile>
+#include <QLocalSocket>
 #include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
 
 #include <cstdio>
 #include <vector>
@@ -21,7 +26,7 @@ namespace {
 
 // Sends one request and waits for its reply line; false when the server
 // gave none or an error.
-bool ask(QProcess& server, const QByteArray& request)
+bool ask(QIODevice& server, const QByteArray& request)
 {
     server.write(request + '\n');
     while (!server.canReadLine())
@@ -30,7 +35,7 @@ bool ask(QProcess& server, const QByteArray& request)
     return !server.readLine().contains("\"error\"");
 }
 
-bool measure(QProcess& server, const char* what, const QByteArray& request, int requests, int runs)
+bool measure(QIODevice& server, const char* what, const QByteArray& request, int requests, int runs)
 {
     std::vector<double> totals, each;
     for (int run = 0; run < runs; ++run) {
@@ -38,7 +43,9 @@ bool measure(QProcess& server, const char* what, const QByteArray& request, int 
         all.start();
         for (int i = 0; i < requests; ++i) {
             one.start();
-            if (!ask(server, request)) {
+            // A field's request alternates between two codes, so that each
+            // one writes.
+            if (!ask(server, QByteArray(request).replace("CODE", i % 2 ? "13" : "12"))) {
                 std::fprintf(stderr, "bench_serve: %s got no result\n", what);
                 return false;
             }
@@ -56,6 +63,7 @@ bool measure(QProcess& server, const char* what, const QByteArray& request, int 
 int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     if (!zvsim::Testbed::available()) {
         std::fprintf(stderr, "bench_serve: run it under umockdev-wrapper\n");
         return 1;
@@ -72,7 +80,39 @@ int main(int argc, char* argv[])
                 R"({"jsonrpc": "2.0", "id": 1, "method": "registers.read", "params": {"first": 12, "count": 1}})",
                 1000, 7)
         && measure(server, "serve: registers.read of all 291",
-                   R"({"jsonrpc": "2.0", "id": 1, "method": "registers.read"})", 100, 7);
+                   R"({"jsonrpc": "2.0", "id": 1, "method": "registers.read"})", 100, 7)
+        && measure(server, "serve: fields.set of one field, verified",
+                   R"({"jsonrpc": "2.0", "id": 1, "method": "fields.set", "params": {"values": {"ChA_PLL_RDiv": CODE}}})",
+                   50, 5);
+
+    // The program, once its socket answers and its start's load is over.
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("zv4280tb.sock"));
+    QProcess program;
+    program.setProcessChannelMode(QProcess::ForwardedChannels);
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    program.setProcessEnvironment(env);
+    program.start(QStringLiteral(ZV_PROGRAM), {QStringLiteral("--listen"), path});
+    program.waitForStarted();
+    QLocalSocket socket;
+    while (ok && program.state() == QProcess::Running && socket.state() != QLocalSocket::ConnectedState) {
+        socket.connectToServer(path);
+        if (!socket.waitForConnected(1000))
+            QThread::msleep(20);
+    }
+    const bool programOk =
+        ok
+        && ask(socket, R"({"jsonrpc": "2.0", "id": 1, "method": "fields.get", "params": {"names": ["TS_MD"], "source": "gui", "wait": true}})")
+        && measure(socket, "program: registers.read count 1",
+                   R"({"jsonrpc": "2.0", "id": 1, "method": "registers.read", "params": {"first": 12, "count": 1}})",
+                   1000, 7)
+        && measure(socket, "program: fields.set of one field, verified",
+                   R"({"jsonrpc": "2.0", "id": 1, "method": "fields.set", "params": {"values": {"ChA_PLL_RDiv": CODE}}})",
+                   50, 5);
+    socket.disconnectFromServer();
+    program.terminate();
+    program.waitForFinished();
     std::vector<double> linkTotals;
     for (int run = 0; ok && run < 7; ++run) {
         usb_link link;
@@ -86,5 +126,5 @@ int main(int argc, char* argv[])
     std::printf("%-44s %9.1f ms for 1000\n", "usb_link readRegister alone", median(linkTotals));
     server.closeWriteChannel();
     server.waitForFinished();
-    return ok ? 0 : 1;
+    return ok && programOk ? 0 : 1;
 }

@@ -93,27 +93,32 @@ class Client:
     def session_info(self):
         return self.call("session.info")
 
-    def registers_read(self, first=None, count=None, style=None):
-        return self.call("registers.read", **_given(first=first, count=count, style=style))
+    # wait=True: against the program, a request that comes while an
+    # operation runs waits for its end instead of failing with BUSY.
 
-    def registers_write(self, values):
+    def registers_read(self, first=None, count=None, style=None, wait=None):
+        return self.call("registers.read", **_given(first=first, count=count, style=style, wait=wait))
+
+    def registers_write(self, values, wait=None):
         """values: register number to value, e.g. {21: 0x0C}."""
-        return self.call("registers.write", values={str(r): v for r, v in values.items()})
+        return self.call("registers.write", values={str(r): v for r, v in values.items()}, **_given(wait=wait))
 
     def fields_list(self, match=None):
         return self.call("fields.list", **_given(match=match))
 
-    def fields_get(self, names, source=None):
-        return self.call("fields.get", names=list(names), **_given(source=source))
+    def fields_get(self, names, source=None, wait=None):
+        """source: "chip" (the default), "gui" (the program's forms) or a .hex file's path."""
+        return self.call("fields.get", names=list(names), **_given(source=_path(source), wait=wait))
 
-    def fields_set(self, values, target=None):
-        return self.call("fields.set", values=dict(values), **_given(target=target))
+    def fields_set(self, values, target=None, wait=None):
+        """values: field name to code, e.g. {"ChA_PLL_RDiv": 13}; target "chip" or "gui"."""
+        return self.call("fields.set", values=dict(values), **_given(target=target, wait=wait))
 
-    def file_load(self, path, target=None):
-        return self.call("file.load", path=os.fspath(path), **_given(target=target))
+    def file_load(self, path, target=None, wait=None):
+        return self.call("file.load", path=os.fspath(path), **_given(target=target, wait=wait))
 
-    def file_save(self, path, source=None, comments=None):
-        return self.call("file.save", path=os.fspath(path), **_given(source=source, comments=comments))
+    def file_save(self, path, source=None, comments=None, wait=None):
+        return self.call("file.save", path=os.fspath(path), **_given(source=source, comments=comments, wait=wait))
 
     def close(self):
         """Ends the connection; a spawned server ends with it."""
@@ -130,6 +135,10 @@ class Client:
 
 def _given(**params):
     return {k: v for k, v in params.items() if v is not None}
+
+
+def _path(source):
+    return source if source is None or isinstance(source, str) else os.fspath(source)
 
 
 def spawn(ctl="zv4280ctl", *args):

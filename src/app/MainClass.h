@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class BenchMenu;
@@ -101,6 +102,20 @@ public:
     // connection by name must not look for it.
     void on_Button_ICFILE_clicked();
 
+    // Operations a script asks for: the cycle and the count of a toolbar
+    // key's, their end handed to `ended` (the failure's text, empty after a
+    // success, and whether a key stopped it) instead of a message box. False,
+    // with nothing started, while an operation runs.
+    using ScriptEnd = std::function<void(const QString& failure, bool stopped)>;
+    bool startScripted(clerk::Command command, const PanelSettings& settings, const QString& fileName,
+                       ScriptEnd ended);
+    // Work done at once, counted as an operation; false while one runs.
+    bool runScripted(const std::function<void()>& work);
+
+signals:
+    // An operation has ended: another may start.
+    void operationEnded();
+
 public slots:
     void change_Value(int val);
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -126,7 +141,8 @@ private:
     QAction* progressAction() const;
     // Asks the running operation to stop; false when none runs.
     bool stopRunning();
-    void startOperation(clerk::Command command, const QString& fileName = QString());
+    void startOperation(clerk::Command command, const QString& fileName = QString(),
+                        const PanelSettings* settings = nullptr);
     void endOperation();
     void showOperationCount();
     QString askFile(bool save, const QString& caption, bool keepFolder = true);
@@ -137,6 +153,7 @@ private:
     Ui::MainClass* ui;
     // The title that F7 or F9 gives once its file has been loaded.
     QString titleAfterLoad;
+    ScriptEnd scriptEnd; // the running operation's, when a script started it
     std::unique_ptr<FormModel> formModel;
     std::unique_ptr<FormBinding> binding;
     std::unique_ptr<UndoActions> undoActions;

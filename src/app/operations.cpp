@@ -24,6 +24,7 @@
 #include <QToolBar>
 
 #include <utility>
+
 #include <vector>
 
 namespace {
@@ -59,7 +60,28 @@ bool MainClass::stopRunning()
     return true;
 }
 
-void MainClass::startOperation(Command command, const QString& fileName)
+bool MainClass::startScripted(Command command, const PanelSettings& settings, const QString& fileName,
+                              ScriptEnd ended)
+{
+    if (running)
+        return false;
+    startOperation(command, fileName, &settings);
+    scriptEnd = std::move(ended);
+    return true;
+}
+
+bool MainClass::runScripted(const std::function<void()>& work)
+{
+    if (running)
+        return false;
+    running = true;
+    ++operationsStarted;
+    work();
+    endOperation();
+    return true;
+}
+
+void MainClass::startOperation(Command command, const QString& fileName, const PanelSettings* settings)
 {
     progressBar->setValue(0);
     progressBar->setFormat(tr(kOperationNames[int(command)]) + QStringLiteral(" %p%"));
@@ -71,7 +93,7 @@ void MainClass::startOperation(Command command, const QString& fileName)
     showOperationCount();
     if (undoActions)
         undoActions->operationStarted(fileName);
-    worker = newWorker(command, service->panelSettings(), fileName);
+    worker = newWorker(command, settings ? *settings : service->panelSettings(), fileName);
     connect(worker, &clerk::percent_up, progressBar, &QProgressBar::setValue);
     connect(worker, &clerk::error_mess, this, &MainClass::error_message);
     connect(worker, &QThread::finished, worker, &QObject::deleteLater);
@@ -183,6 +205,9 @@ void MainClass::error_message(QString m)
     operationStatus->ended(OperationStatus::outcomeOf(worker, runningCommand), m);
     service->followBoards();
     const QString title = std::exchange(titleAfterLoad, QString());
+    // A script's operation ends in its own hands, after the window's part.
+    const ScriptEnd scripted = std::exchange(scriptEnd, nullptr);
+    const bool stopped = worker && worker->interrupted;
     if (!m.isEmpty()) {
         // A read that failed leaves nothing the chip alone can tell standing:
         // no status bulb may stand for a chip that cannot be reached.
@@ -191,10 +216,13 @@ void MainClass::error_message(QString m)
             formModel->markChipOnly();
         // The box waits for the user; until it closes the operation counts
         // as running, so a repeat-read timer that fires behind it only stops.
-        showModal(m);
+        if (!scripted)
+            showModal(m);
         if (ui->action_ICGUI->isChecked())
             ui->action_ICGUI->setChecked(false);
         endOperation();
+        if (scripted)
+            scripted(m, stopped);
         return;
     }
 
@@ -205,7 +233,7 @@ void MainClass::error_message(QString m)
     if (!title.isEmpty())
         setWindowTitle(title);
     showOperationResult(cmd);
-    if (cmd == Command::ChipToGui || cmd == Command::FileToGui) {
+    if (!scripted && (cmd == Command::ChipToGui || cmd == Command::FileToGui)) {
         const PanelSettings settings = service->panelSettings();
         if (!settings.repeatRead)
             ui->action_ICGUI->setChecked(false);
@@ -215,6 +243,8 @@ void MainClass::error_message(QString m)
     progressBar->setValue(100);
     map->refreshRegisterView();
     endOperation();
+    if (scripted)
+        scripted(QString(), false);
 }
 
 void MainClass::endOperation()
@@ -224,6 +254,7 @@ void MainClass::endOperation()
     running = false;
     ++operationsEnded;
     showOperationCount();
+    emit operationEnded();
 }
 
 // Not translated: it is for scripts, which read it as it stands.

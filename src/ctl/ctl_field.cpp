@@ -208,6 +208,16 @@ QString CtlField::allowed() const
     return range + QStringLiteral(": ") + numbered.join(QStringLiteral(" | "));
 }
 
+QString CtlField::refusal(const QString& given, quint32* code) const
+{
+    const QString why = refusal(false);
+    if (!why.isEmpty())
+        return why;
+    if (!codeOf(given, code))
+        return QStringLiteral("%1 (%2) takes %3, not \"%4\"").arg(name(), kindWords(), allowed(), given);
+    return QString();
+}
+
 QStringList CtlField::items() const
 {
     return widgetKind == Kind::ComboBox ? model->items(index) : QStringList();

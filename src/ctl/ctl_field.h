@@ -51,6 +51,10 @@ public:
     // or for a combo box an item's text ("PLL \"A\""; case and the blanks
     // around it do not count). False when the text gives none in the range.
     bool codeOf(const QString& text, quint32* code) const;
+    // Why the field cannot be set to a code (as the user gave it: a number,
+    // or a combo box's item text), or empty when it can, with the code; the
+    // forms' enabled state is not asked (see refusal(bool)).
+    QString refusal(const QString& given, quint32* code) const;
     // Registers that the field's bits touch, in rising order.
     QList<int> registers() const;
 

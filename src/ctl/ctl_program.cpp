@@ -1,6 +1,7 @@
 // The run of zv4280ctl: options, help, board choice and the commands.
 #include "ctl_program.h"
 
+#include "attach_command.h"
 #include "ctl_board.h"
 #include "ctl_options.h"
 #include "ctl_output.h"
@@ -43,6 +44,10 @@ void CtlProgram::prepareEnvironment()
 
 int CtlProgram::run(const QStringList& programArguments)
 {
+    // --attach [PATH] relays to the running program; no command goes with it.
+    const int attach = programArguments.indexOf(QStringLiteral("--attach"));
+    if (attach > 0)
+        return AttachCommand::run(programArguments.value(attach + 1));
     CtlOptions options;
     QString error;
     const bool parsed = options.parse(programArguments, &error);

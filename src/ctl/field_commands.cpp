@@ -1,6 +1,7 @@
 // field and fields of zv4280ctl.
 #include "field_commands.h"
 
+#include "bench_methods.h"
 #include "ctl_board.h"
 #include "ctl_field.h"
 #include "ctl_options.h"
@@ -143,14 +144,8 @@ void FieldCommands::report(const QList<CtlField>& fields, const QList<quint32>& 
     QJsonArray list;
     for (int i = 0; i < fields.size(); ++i) {
         const CtlField& f = fields.at(i);
-        const QString text = f.text();
-        out.line(QStringLiteral("%1=%2\t%3").arg(f.name()).arg(f.code()).arg(text));
-        QJsonObject entry{{QStringLiteral("name"), f.name()},
-                          {QStringLiteral("code"), qint64(f.code())},
-                          {QStringLiteral("text"), text},
-                          {QStringLiteral("location"), buildToolTip(f.record())}};
-        if (f.estimated())
-            entry.insert(QStringLiteral("estimated"), true);
+        QJsonObject entry = BenchMethods::fieldJson(f);
+        out.line(QStringLiteral("%1=%2\t%3").arg(f.name()).arg(f.code()).arg(entry.value(QStringLiteral("text")).toString()));
         if (i < asked.size())
             entry.insert(QStringLiteral("asked"), qint64(asked.at(i)));
         list.append(entry);

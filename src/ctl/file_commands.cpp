@@ -27,19 +27,31 @@ int FileCommands::boardFailure(const QString& what)
 // ";ZV4280v2", ";ZV4280.2", read as a load into the forms reads them), every
 // register line holds one of the chip's registers, and one register line at
 // least is there; and, unless lenient, no line is other than plain.
-int FileCommands::checkLoad(const QString& file, bool lenient, int* status)
+int FileCommands::check(const QString& file, const RegisterImages& map, bool lenient, QString* refusal,
+                        QVector<OddLines::Line>* odd)
 {
-    const RegisterImages& map = session.images();
     QVector<HexEntries::Entry> entries;
-    QVector<OddLines::Line> odd;
-    QString refusal;
-    if (!HexEntries::read(file, map.chipName, map.registerCount, &entries, &refusal, &odd)) {
-        *status = out.fail(CtlExit::Usage, refusal);
+    QVector<OddLines::Line> found;
+    if (!HexEntries::read(file, map.chipName, map.registerCount, &entries, refusal, &found))
+        return -1;
+    if (odd)
+        *odd = found;
+    if (!found.isEmpty() && !lenient) {
+        *refusal = QStringLiteral("\"%1\": %2").arg(file, OddLines::describe(found, 5));
         return -1;
     }
-    if (!odd.isEmpty() && !lenient) {
-        *status = out.fail(CtlExit::Usage, QStringLiteral("\"%1\": %2; --lenient loads such lines as they read")
-                                               .arg(file, OddLines::describe(odd, 5)));
+    return int(std::count_if(entries.cbegin(), entries.cend(), [](const HexEntries::Entry& e) { return !e.isPause(); }));
+}
+
+int FileCommands::checkLoad(const QString& file, bool lenient, int* status)
+{
+    QString refusal;
+    QVector<OddLines::Line> odd;
+    const int registers = check(file, session.images(), lenient, &refusal, &odd);
+    if (registers < 0) {
+        if (!odd.isEmpty())
+            refusal += QStringLiteral("; --lenient loads such lines as they read");
+        *status = out.fail(CtlExit::Usage, refusal);
         return -1;
     }
     QJsonArray oddLines;
@@ -47,7 +59,7 @@ int FileCommands::checkLoad(const QString& file, bool lenient, int* status)
         oddLines.append(QJsonObject{{QStringLiteral("line"), l.number}, {QStringLiteral("text"), l.text}});
     if (!odd.isEmpty())
         out.set(QStringLiteral("oddLines"), oddLines);
-    return int(std::count_if(entries.cbegin(), entries.cend(), [](const HexEntries::Entry& e) { return !e.isPause(); }));
+    return registers;
 }
 
 int FileCommands::load(const QString& file, const QString& pause, bool lenient)

@@ -2,10 +2,13 @@
 // a .hex file as F6 of the GUI saves it.
 #pragma once
 
+#include "odd_lines.h"
+
 #include <QString>
 
 class CtlOutput;
 class CtlSession;
+class RegisterImages;
 
 class FileCommands
 {
@@ -19,6 +22,13 @@ public:
     // "save FILE [--all] [--comments] [--changes-only [--base FILE]]": the chip read
     // into the forms (command 1), then the worker's GUI to file (command 6).
     int save(const QString& file, bool comments, bool changesOnly, const QString& base, bool all);
+
+    // The register lines of a file that a load into this map may send; -1
+    // with the reason when a load refuses the file.
+    // Unless lenient, lines that are no plain lines refuse it too; `odd`
+    // (when given) takes them.
+    static int check(const QString& file, const RegisterImages& map, bool lenient, QString* refusal,
+                     QVector<OddLines::Line>* odd = nullptr);
 
 private:
     // The register lines of a file that a load may send; -1 after a refusal.

@@ -1,19 +1,19 @@
 // zv4280ctl serve: the scripting protocol on standard input and output, or
-// on a local socket, with the methods that need no forms: session.info,
-// registers.read and registers.write, each a register operation of the USB
-// link. The field and file methods are not served here (-32601).
+// on a local socket, on the engine of zv4280ctl: every method of the
+// protocol but those of the program's own forms (source and target "gui").
 #pragma once
 
+#include "bench_methods.h"
+#include "rpc_bench.h"
+
 #include <QString>
+#include <QTimer>
 
 class CtlOutput;
 class CtlSession;
 class RpcDispatcher;
-class RpcReply;
-struct RpcError;
-class QJsonObject;
 
-class ServeCommand
+class ServeCommand : public RpcBench
 {
 public:
     ServeCommand(CtlSession& session, CtlOutput& out);
@@ -25,13 +25,26 @@ public:
     // Adds the methods to a dispatcher.
     void bind(RpcDispatcher& dispatcher);
 
+    // The bench: requests come one at a time, and each operation runs to
+    // its end before the next.
+    QString serverName() const override { return QStringLiteral("zv4280ctl"); }
+    bool showsForms() const override { return false; }
+    FormModel& model() override;
+    usb_link& link() override;
+    bool boardChosen() const override;
+    PanelSettings settings() const override;
+    bool busy() const override { return false; }
+    void whenIdle(std::function<void()>) override {}
+    void run(clerk::Command command, const QString& fileName, const PanelSettings& settings, Ended ended) override;
+    void step(const std::function<void()>& work) override;
+
 private:
-    void info(const QJsonObject& params, const RpcReply& reply);
-    void read(const QJsonObject& params, const RpcReply& reply);
-    void write(const QJsonObject& params, const RpcReply& reply);
-    // A failed register operation: no board, or the board failed.
-    RpcError boardError(const QString& what);
+    // The board stays open through a burst of requests and closes after a
+    // short pause or at the end.
+    void burst();
 
     CtlSession& session;
     CtlOutput& out;
+    BenchMethods methods;
+    QTimer idle;
 };

@@ -172,6 +172,25 @@ QStringList usb_link::boardsSeen() const
     return seen;
 }
 
+void usb_link::keepOpen(bool on)
+{
+    QMutexLocker guard(&lock);
+    keep = on;
+    if (!on)
+        closeBoard();
+}
+
+void usb_link::closeBoard()
+{
+    QMutexLocker guard(&lock);
+    if (!kept)
+        return;
+    libusb_release_interface(kept, 0);
+    libusb_close(kept);
+    libusb_exit(nullptr);
+    kept = nullptr;
+}
+
 bool usb_link::addressesFit(int first, int last)
 {
     const int outside = first < 0 ? first : qMax(first, kLastAddress + 1);

@@ -79,6 +79,13 @@ public:
     // scan found them (keys in rising order).
     QStringList boardsSeen() const;
 
+    // A burst of operations (a script's requests) keeps the board open from
+    // one operation to the next, until closeBoard() or keepOpen(false); a
+    // transfer that fails closes it, so that the next operation opens the
+    // board anew and finds it replugged or gone.
+    void keepOpen(bool keep);
+    void closeBoard();
+
     // The vendor identifier of every bridge board; the product may be any.
     static constexpr quint16 kBridgeVendor = 0x2976;
     static constexpr unsigned kTimeoutMs = 5000;
@@ -138,4 +145,7 @@ private:
     QStringList seen;    // the boards on the bus at the last look
     bool stalled = false; // an endpoint stalled: the next open clears the halts
     std::atomic<UsbFrameObserver*> frameObserver{nullptr};
+    bool keep = false;
+    libusb_device_handle* kept = nullptr; // open and claimed between operations
+    QString keptKey;
 };

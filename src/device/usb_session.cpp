@@ -38,6 +38,16 @@ void UsbSession::openDevice()
     link.failure.clear();
     link.refused.clear();
     link.handle = nullptr;
+    // A board kept open serves on, unless a held board is another.
+    if (link.kept && (link.holds == 0 || link.heldKey.isEmpty() || link.heldKey == link.keptKey)) {
+        handle = link.kept;
+        claimed = true;
+        link.handle = handle;
+        if (link.holds > 0)
+            link.heldKey = link.keptKey;
+        return;
+    }
+    link.closeBoard();
     started = libusb_init(nullptr) >= 0;
     if (!started)
         return;
@@ -93,6 +103,10 @@ void UsbSession::openDevice()
     link.handle = handle;
     if (link.holds > 0 && link.heldKey.isEmpty())
         link.heldKey = chosenKey;
+    if (link.keep) {
+        link.kept = handle;
+        link.keptKey = chosenKey;
+    }
     if (link.stalled) {
         libusb_clear_halt(handle, usb_link::kEndpointOut);
         libusb_clear_halt(handle, usb_link::kEndpointIn);
@@ -104,6 +118,14 @@ void UsbSession::openDevice()
 // go, as far as each was taken.
 void UsbSession::closeDevice()
 {
+    if (claimed && handle == link.kept) {
+        // Kept open for the next operation, unless a transfer failed.
+        link.handle = nullptr;
+        if (!link.failure.isEmpty() || !link.keep)
+            link.closeBoard();
+        link.lock.unlock();
+        return;
+    }
     if (claimed)
         libusb_release_interface(handle, 0);
     if (handle)

@@ -49,6 +49,44 @@ QJsonObject RpcParams::object(const QString& name)
     return value.toObject();
 }
 
+bool RpcParams::boolean(const QString& name, bool fallback)
+{
+    const QJsonValue value = take(name);
+    if (value.isUndefined())
+        return fallback;
+    if (!value.isBool())
+        fail(name, QStringLiteral("\"%1\" must be true or false, not %2").arg(name, quote(value)));
+    return value.toBool(fallback);
+}
+
+QString RpcParams::text(const QString& name, const QString& fallback)
+{
+    const QJsonValue value = take(name);
+    if (value.isUndefined() && !fallback.isEmpty())
+        return fallback;
+    if (!value.isString() || value.toString().isEmpty())
+        fail(name, value.isUndefined() ? QStringLiteral("\"%1\" is missing").arg(name)
+                                       : QStringLiteral("\"%1\" must be a text that is not empty, not %2")
+                                             .arg(name, quote(value)));
+    return value.toString();
+}
+
+QStringList RpcParams::texts(const QString& name)
+{
+    const QJsonValue value = take(name);
+    QStringList list;
+    for (const QJsonValue& item : value.toArray())
+        list.append(item.toString());
+    bool allTexts = value.isArray() && !list.isEmpty();
+    for (const QJsonValue& item : value.toArray())
+        allTexts = allTexts && item.isString();
+    if (!allTexts)
+        fail(name, value.isUndefined() ? QStringLiteral("\"%1\" is missing").arg(name)
+                                       : QStringLiteral("\"%1\" must be an array of texts, not %2")
+                                             .arg(name, quote(value)));
+    return list;
+}
+
 void RpcParams::fail(const QString& member, const QString& message)
 {
     if (!first)

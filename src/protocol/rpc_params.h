@@ -28,6 +28,12 @@ public:
     QString choice(const QString& name, const QStringList& choices, const QString& fallback);
     // An object; required.
     QJsonObject object(const QString& name);
+    // true or false; fallback when absent.
+    bool boolean(const QString& name, bool fallback);
+    // A text that is not empty; required unless a fallback is given.
+    QString text(const QString& name, const QString& fallback = QString());
+    // An array of texts, not empty; required.
+    QStringList texts(const QString& name);
     // Records a fault that a method finds itself, unless one is recorded.
     void fail(const QString& member, const QString& message);
 

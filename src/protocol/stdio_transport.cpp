@@ -40,8 +40,9 @@ void StdioTransport::readSome()
         connection->endOfInput();
     else
         connection->receive(QByteArray(buffer, int(n)));
-    if (!connection->wantsInput())
-        input->setEnabled(false);
+    // A method that waits for its operation in an event loop of its own may
+    // have had this called and the input stopped meanwhile.
+    input->setEnabled(connection->wantsInput());
 }
 
 void StdioTransport::write(const QByteArray& line)

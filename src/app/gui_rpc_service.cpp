@@ -1,0 +1,110 @@
+// The program's side of the scripting protocol: its socket, and requests
+// run as the window's operations.
+#include "gui_rpc_service.h"
+
+#include "MainClass.h"
+#include "engine/form_model.h"
+#include "rpc_local_server.h"
+#include "service_block.h"
+#include "usb_link.h"
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+
+#include <csignal>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+int signalPipe[2] = {-1, -1};
+
+void onSignal(int)
+{
+    const char byte = 0;
+    [[maybe_unused]] const ssize_t n = ::write(signalPipe[1], &byte, 1);
+}
+
+} // namespace
+
+GuiRpcService::GuiRpcService(MainClass& w, QObject* parent) : QObject(parent), window(w), methods(*this)
+{
+    methods.bind(dispatcher);
+    // Waiting requests try again once the window's loop has dealt with the
+    // end, so that the next step of a request under way comes first.
+    connect(&window, &MainClass::operationEnded, this, &GuiRpcService::retryWaiting, Qt::QueuedConnection);
+}
+
+GuiRpcService::~GuiRpcService() = default;
+
+bool GuiRpcService::listen(const QString& given, QString* error)
+{
+    const QString path = given.isEmpty() ? RpcLocalServer::defaultPath(error) : given;
+    if (path.isEmpty())
+        return false;
+    server = new RpcLocalServer(dispatcher, this);
+    if (!server->listen(path, error))
+        return false;
+    if (signalPipe[0] < 0 && ::socketpair(AF_UNIX, SOCK_STREAM, 0, signalPipe) == 0) {
+        auto* ending = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, this);
+        connect(ending, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
+        std::signal(SIGINT, onSignal);
+        std::signal(SIGTERM, onSignal);
+    }
+    return true;
+}
+
+QString GuiRpcService::path() const
+{
+    return server ? server->path() : QString();
+}
+
+FormModel& GuiRpcService::model()
+{
+    return *window.model();
+}
+
+usb_link& GuiRpcService::link()
+{
+    return *window.service->usb;
+}
+
+bool GuiRpcService::boardChosen() const
+{
+    return !window.service->usb->selectedKey.isEmpty();
+}
+
+PanelSettings GuiRpcService::settings() const
+{
+    return window.service->panelSettings();
+}
+
+bool GuiRpcService::busy() const
+{
+    return window.running;
+}
+
+void GuiRpcService::whenIdle(std::function<void()> retry)
+{
+    waiting.push_back(std::move(retry));
+}
+
+void GuiRpcService::retryWaiting()
+{
+    // Each tries once; one that finds the window busy again waits anew.
+    std::vector<std::function<void()>> now;
+    now.swap(waiting);
+    for (const auto& retry : now)
+        retry();
+}
+
+void GuiRpcService::run(clerk::Command command, const QString& fileName, const PanelSettings& settings, Ended ended)
+{
+    if (!window.startScripted(command, settings, fileName, ended))
+        ended(tr("another operation runs"), true);
+}
+
+void GuiRpcService::step(const std::function<void()>& work)
+{
+    window.runScripted(work);
+}

@@ -167,21 +167,6 @@ private slots:
         QVERIFY2(lines[3].startsWith("File load failed after "), qPrintable(lines[3]));
     }
 
-    // A read that fails leaves nothing standing for the chip: grey bulbs, and the failure stays in
-    // the status line after its box.
-    void failedRead()
-    {
-        bus->unplugAfter(board, 0);
-        ModalCatcher catcher;
-        action("action_ICGUI")->setChecked(false);
-        action("action_ICGUI")->trigger();
-        QVERIFY(waitIdle(main));
-        QCOMPARE(catcher.texts.size(), 1);
-        QCOMPARE(main->model()->bulb(main->model()->indexOf("AOK_ZV4280v2")), Bulb::Disabled);
-        QVERIFY2(main->operationStatus->text().startsWith("Chip read failed after "), qPrintable(main->operationStatus->text()));
-        QVERIFY(!main->worker && !progressShown());
-    }
-
     void repeatRead()
     {
         set("RepeatRead", 1), set("AutoPause", 1);
@@ -191,6 +176,7 @@ private slots:
         QElapsedTimer clock;
         clock.start();
         QList<QPair<int, qint64>> marks;
+        main->progressBar->reset(); // whatever the last operation left, the start's 0 is a change
         auto mark = connect(main->progressBar, &QProgressBar::valueChanged, [&](int v) {
             if (v == 0 || v == 100)
                 marks << qMakePair(v, clock.elapsed());
@@ -254,6 +240,21 @@ private slots:
         QVERIFY(!startedBehind && !action("action_ICGUI")->isChecked());
     }
 
+    // A read that fails leaves nothing standing for the chip: grey bulbs, and the failure stays in
+    // the status line after its box.
+    void failedRead()
+    {
+        bus->unplugAfter(board, 0);
+        ModalCatcher catcher;
+        action("action_ICGUI")->setChecked(false);
+        action("action_ICGUI")->trigger();
+        QVERIFY(waitIdle(main));
+        QCOMPARE(catcher.texts.size(), 1);
+        QCOMPARE(main->model()->bulb(main->model()->indexOf("AOK_ZV4280v2")), Bulb::Disabled);
+        QVERIFY2(main->operationStatus->text().startsWith("Chip read failed after "), qPrintable(main->operationStatus->text()));
+        QVERIFY(!main->worker && !progressShown());
+    }
+
     // A hand edit is one step with what its rules change (keys typed into a spin box are one edit), a
     // load another; Ctrl+Z and Ctrl+Shift+Z, even in a spin box, show the images again through the
     // rules and start no operation, so the chip is never written.
@@ -306,6 +307,7 @@ private slots:
     {
         UsbLogDock* dock = main->usbLog;
         QVERIFY(dock->isHidden());
+        dock->clear();
         main->show();
         const quint8 read21[] = {0x15, 0x03, 0x80, 0x15, 0x00}, write12[] = {0x15, 0x03, 0x00, 0x0C, 0x5A};
         std::thread([&] { dock->frames().frame(0, true, read21, 5), dock->frames().frame(0, true, write12, 5); }).join();

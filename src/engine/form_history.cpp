@@ -97,6 +97,11 @@ void FormHistory::clear()
 void FormHistory::show(const State& shown)
 {
     openField = -1;
+    // The image first, whole: registers no editing field covers (the chip's
+    // identity, say) come back only this way.
+    RegisterImages& images = forms.images();
+    std::copy_n(reinterpret_cast<const quint8*>(shown.image.constData()),
+                qMin(quint32(shown.image.size()), images.registerCount), images.guiImage);
     forms.push(reinterpret_cast<const quint8*>(shown.image.constData()));
     if (shown.chipOnly)
         forms.markChipOnly();

@@ -156,7 +156,7 @@ private slots:
                     items << combo->itemText(i);
             QCOMPARE(items, e.items);
             if (auto* spin = qobject_cast<const QSpinBox*>(t))
-                QCOMPARE(QPair(spin->minimum(), spin->maximum()), QPair(e.minimum, e.maximum));
+                QCOMPARE(qMakePair(spin->minimum(), spin->maximum()), qMakePair(e.minimum, e.maximum));
         }
 
         int displays = 0, shown = 0;

@@ -201,7 +201,7 @@ private slots:
     void namedCells()
     {
         const QAbstractItemModel* m = model(named.get());
-        QCOMPARE(QPair(m->rowCount(), m->columnCount()), QPair(291, 20));
+        QCOMPARE(qMakePair(m->rowCount(), m->columnCount()), qMakePair(291, 20));
         checkCells(m, {"0 0 0", "0 1 Version1", "17 1 ChA_Flo_2", "227 1 ", "290 1 INT_Status_12", "290 0 290",
                        "17 6 ChA_Flo<22>", "19 18 ChA_Flo<0>", "6 10 CLK_EN", "6 4 Unused", "21 10 ChA_PLL_RDiv<4>",
                        "21 18 ChA_PLL_RDiv<0>", "6 2 00", "6 19 00"});

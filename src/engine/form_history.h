@@ -7,7 +7,7 @@
 
 #include <QByteArray>
 #include <QString>
-#include <QVector>
+#include <QList>
 
 #include <functional>
 
@@ -72,7 +72,7 @@ private:
     int limit;
     bool chipOnly = false;
     int openField = -1; // the spin box whose edit the next edit joins
-    QVector<Step> undoSteps;
-    QVector<Step> redoSteps;
+    QList<Step> undoSteps; // a list: the oldest step leaves at no cost
+    QList<Step> redoSteps;
     std::function<void()> changed;
 };

@@ -114,8 +114,9 @@ class Client:
         """values: field name to code, e.g. {"ChA_PLL_RDiv": 13}; target "chip" or "gui"."""
         return self.call("fields.set", values=dict(values), **_given(target=target, wait=wait))
 
-    def file_load(self, path, target=None, wait=None):
-        return self.call("file.load", path=os.fspath(path), **_given(target=target, wait=wait))
+    def file_load(self, path, target=None, wait=None, lenient=None):
+        """lenient=True takes lines that are no plain register lines as they read."""
+        return self.call("file.load", path=os.fspath(path), **_given(target=target, wait=wait, lenient=lenient))
 
     def file_save(self, path, source=None, comments=None, wait=None):
         return self.call("file.save", path=os.fspath(path), **_given(source=source, comments=comments, wait=wait))

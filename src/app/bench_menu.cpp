@@ -9,7 +9,9 @@
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <QStyle>
 #include <QToolBar>
+#include <QToolButton>
 
 BenchMenu::BenchMenu(MainClass& mainWindow) : QObject(&mainWindow), main(mainWindow)
 {
@@ -30,9 +32,16 @@ BenchMenu::BenchMenu(MainClass& mainWindow) : QObject(&mainWindow), main(mainWin
     connect(findAction, &QAction::triggered, finder, &FieldFinder::open);
     connect(compareAction, &QAction::triggered, this, &BenchMenu::openCompare);
     connect(exportAction, &QAction::triggered, this, &BenchMenu::openExport);
-    // On the toolbar after the service panel's button, before the progress bar.
-    if (auto* bar = main.findChild<QToolBar*>(QStringLiteral("toolBar_RegWindow")))
+    // On the toolbar after the service panel's button, before the progress
+    // bar, as an icon alone: the bar must keep room for the progress bar at
+    // the window's default width.
+    compareAction->setIcon(main.style()->standardIcon(QStyle::SP_FileDialogContentsView));
+    compareAction->setToolTip(tr("Compare two settings field by field (Ctrl+D)"));
+    if (auto* bar = main.findChild<QToolBar*>(QStringLiteral("toolBar_RegWindow"))) {
         bar->insertAction(bar->actions().isEmpty() ? nullptr : bar->actions().last(), compareAction);
+        if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(compareAction)))
+            button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    }
     const bool forms = main.model() != nullptr;
     compareAction->setEnabled(forms);
     exportAction->setEnabled(forms);

@@ -6,26 +6,10 @@
 #include "engine/form_model.h"
 #include "rpc_local_server.h"
 #include "service_block.h"
+#include "termination_watch.h"
 #include "usb_link.h"
 
 #include <QCoreApplication>
-#include <QSocketNotifier>
-
-#include <csignal>
-#include <sys/socket.h>
-#include <unistd.h>
-
-namespace {
-
-int signalPipe[2] = {-1, -1};
-
-void onSignal(int)
-{
-    const char byte = 0;
-    [[maybe_unused]] const ssize_t n = ::write(signalPipe[1], &byte, 1);
-}
-
-} // namespace
 
 GuiRpcService::GuiRpcService(MainClass& w, QObject* parent) : QObject(parent), window(w), methods(*this)
 {
@@ -45,12 +29,9 @@ bool GuiRpcService::listen(const QString& given, QString* error)
     server = new RpcLocalServer(dispatcher, this);
     if (!server->listen(path, error))
         return false;
-    if (signalPipe[0] < 0 && ::socketpair(AF_UNIX, SOCK_STREAM, 0, signalPipe) == 0) {
-        auto* ending = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, this);
-        connect(ending, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
-        std::signal(SIGINT, onSignal);
-        std::signal(SIGTERM, onSignal);
-    }
+    auto* ending = new TerminationWatch(this);
+    if (ending->start())
+        connect(ending, &TerminationWatch::requested, qApp, &QCoreApplication::quit);
     return true;
 }
 

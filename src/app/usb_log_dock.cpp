@@ -99,8 +99,6 @@ UsbLogDock::UsbLogDock(usb_link& link, QMainWindow& window)
     else
         view = window.menuBar()->addMenu(tr("View"));
     view->addAction(toggle);
-    if (auto* bar = window.findChild<QToolBar*>(QStringLiteral("toolBar_RegWindow")))
-        bar->insertAction(bar->actions().value(bar->actions().size() - 1), toggle);
     link.setFrameObserver(&log);
 }
 

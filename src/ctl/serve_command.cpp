@@ -6,26 +6,10 @@
 #include "rpc_dispatcher.h"
 #include "rpc_local_server.h"
 #include "stdio_transport.h"
+#include "termination_watch.h"
 
 #include <QEventLoop>
 #include <QScopeGuard>
-#include <QSocketNotifier>
-
-#include <csignal>
-#include <sys/socket.h>
-#include <unistd.h>
-
-namespace {
-
-int signalPipe[2] = {-1, -1};
-
-void onSignal(int)
-{
-    const char byte = 0;
-    [[maybe_unused]] const ssize_t n = ::write(signalPipe[1], &byte, 1);
-}
-
-} // namespace
 
 namespace {
 
@@ -59,12 +43,10 @@ int ServeCommand::run(const QString& listenPath)
     if (!server.listen(listenPath, &error))
         return out.fail(CtlExit::Usage, error);
     // An interrupt or termination ends the loop, so that the socket goes.
-    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, signalPipe) != 0)
+    TerminationWatch ending;
+    if (!ending.start())
         return out.fail(CtlExit::Usage, QStringLiteral("cannot watch for signals"));
-    QSocketNotifier ending(signalPipe[0], QSocketNotifier::Read);
-    QObject::connect(&ending, &QSocketNotifier::activated, &loop, &QEventLoop::quit);
-    std::signal(SIGINT, onSignal);
-    std::signal(SIGTERM, onSignal);
+    QObject::connect(&ending, &TerminationWatch::requested, &loop, &QEventLoop::quit);
     // Clients may connect from here on.
     CtlOutput::printError(QStringLiteral("zv4280ctl: serve: listening at %1\n").arg(server.path()));
     loop.exec();

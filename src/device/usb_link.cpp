@@ -156,8 +156,11 @@ void usb_link::holdBoard()
 void usb_link::releaseBoard()
 {
     QMutexLocker guard(&lock);
-    if (holds > 0 && --holds == 0)
+    if (holds > 0 && --holds == 0) {
         heldKey.clear();
+        if (!keep)
+            closeBoard();
+    }
 }
 
 QString usb_link::heldBoard() const

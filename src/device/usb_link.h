@@ -10,12 +10,13 @@
 struct libusb_device_handle;
 class UsbFrameObserver;
 
-// The USB transport to the bridge board. Every register operation is a whole
-// cycle of its own: libusb is initialised, the board found and opened, its
-// interface 0 claimed, the frames exchanged, and everything released again,
-// so no connection state survives between operations and a replugged board
-// needs no reconnect. The cycle is held by a UsbSession, which lets go of
-// the board on every path out of the operation.
+// The USB transport to the bridge board. Every register operation outside an
+// operation of several steps is a whole cycle of its own: libusb is
+// initialised, the board found and opened, its interface 0 claimed, the
+// frames exchanged, and everything released again, so no connection state
+// survives between operations and a replugged board needs no reconnect. The
+// cycle is held by a UsbSession, which lets go of the board on every path out
+// of the operation.
 //
 // A register has a 16-bit address and an 8-bit value. A frame is the type
 // byte 0x15, the payload length, and the payload: triples (address high with
@@ -67,9 +68,10 @@ public:
 
     // An operation of several steps holds the board: from holdBoard() on,
     // every register operation goes to the board (bus and address) that the
-    // first of them opened, and fails with "the board changed" when that one
-    // has left the bus, whatever else is plugged in. Holds nest;
-    // releaseBoard() ends the one taken last.
+    // first of them opened, which stays open and claimed until the last hold
+    // ends, and fails with "the board changed" when that one has left the
+    // bus, whatever else is plugged in. Holds nest; releaseBoard() ends the
+    // one taken last.
     void holdBoard();
     void releaseBoard();
     // The board held (its key), once the first operation of the hold has

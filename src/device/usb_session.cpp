@@ -18,6 +18,26 @@ struct DeviceListFree
 };
 using DeviceList = std::unique_ptr<libusb_device*, DeviceListFree>;
 
+// The bridge boards of a device list by key; complete is false when a
+// device's descriptor could not be read.
+QMap<QString, libusb_device*> bridgesOn(libusb_device** devices, ssize_t n, bool* complete)
+{
+    QMap<QString, libusb_device*> bridges;
+    *complete = false;
+    for (ssize_t i = 0; i < n; ++i) {
+        libusb_device_descriptor d;
+        if (libusb_get_device_descriptor(devices[i], &d) < 0)
+            return bridges;
+        if (d.idVendor != usb_link::kBridgeVendor)
+            continue;
+        bridges.insert(usb_link::deviceKey(d.idVendor, d.idProduct, quint8(libusb_get_bus_number(devices[i])),
+                                           quint8(libusb_get_device_address(devices[i]))),
+                       devices[i]);
+    }
+    *complete = true;
+    return bridges;
+}
+
 } // namespace
 
 UsbSession::UsbSession(usb_link& owner) : link(owner)
@@ -58,24 +78,14 @@ void UsbSession::openDevice()
         if (n < 0)
             return;
         const DeviceList list(devices);
-        QMap<QString, libusb_device*> bridges;
-        for (ssize_t i = 0; i < n; ++i) {
-            libusb_device_descriptor d;
-            if (libusb_get_device_descriptor(devices[i], &d) < 0)
-                return;
-            if (d.idVendor != usb_link::kBridgeVendor)
-                continue;
-            bridges.insert(usb_link::deviceKey(d.idVendor, d.idProduct, quint8(libusb_get_bus_number(devices[i])),
-                                               quint8(libusb_get_device_address(devices[i]))),
-                           devices[i]);
-        }
+        bool complete = false;
+        const QMap<QString, libusb_device*> bridges = bridgesOn(devices, n, &complete);
+        if (!complete)
+            return;
         link.seen = bridges.keys();
         if (link.holds > 0 && !link.heldKey.isEmpty()) {
-            if (!bridges.contains(link.heldKey)) {
-                link.refused = bridges.isEmpty() ? QStringLiteral("the board has left the bus")
-                                                 : QStringLiteral("the board changed");
+            if (!heldBoardThere(bridges))
                 return;
-            }
             chosenKey = link.heldKey;
         } else if (bridges.contains(link.selectedKey)) {
             chosenKey = link.selectedKey;
@@ -103,7 +113,9 @@ void UsbSession::openDevice()
     link.handle = handle;
     if (link.holds > 0 && link.heldKey.isEmpty())
         link.heldKey = chosenKey;
-    if (link.keep) {
+    // A script's burst, or an operation of several steps, goes on with the
+    // board open.
+    if (link.keep || link.holds > 0) {
         link.kept = handle;
         link.keptKey = chosenKey;
     }
@@ -114,15 +126,42 @@ void UsbSession::openDevice()
     }
 }
 
+// False, with the refusal said, when the held board is not among the
+// bridges on the bus.
+bool UsbSession::heldBoardThere(const QMap<QString, libusb_device*>& bridges)
+{
+    if (bridges.contains(link.heldKey))
+        return true;
+    link.refused = bridges.isEmpty() ? QStringLiteral("the board has left the bus") : QStringLiteral("the board changed");
+    return false;
+}
+
 // The interface released, the board closed, libusb ended and the link let
 // go, as far as each was taken.
 void UsbSession::closeDevice()
 {
     if (claimed && handle == link.kept) {
-        // Kept open for the next operation, unless a transfer failed.
+        // Kept open for the next operation, unless a transfer failed: a held
+        // board that has gone from the bus meanwhile is told of as an open
+        // would tell it.
         link.handle = nullptr;
-        if (!link.failure.isEmpty() || !link.keep)
+        if (!link.failure.isEmpty() || (!link.keep && link.holds == 0))
             link.closeBoard();
+        if (!link.failure.isEmpty() && link.holds > 0 && !link.heldKey.isEmpty()
+            && link.lastTransferResult == LIBUSB_ERROR_NO_DEVICE && libusb_init(nullptr) >= 0) {
+            // A fresh look at the bus: the board's list of the open session
+            // may not have caught up with the bus yet.
+            libusb_device** devices = nullptr;
+            const ssize_t n = libusb_get_device_list(nullptr, &devices);
+            if (n >= 0) {
+                const DeviceList list(devices);
+                bool complete = false;
+                const QMap<QString, libusb_device*> bridges = bridgesOn(devices, n, &complete);
+                if (complete)
+                    heldBoardThere(bridges);
+            }
+            libusb_exit(nullptr);
+        }
         link.lock.unlock();
         return;
     }

@@ -17,6 +17,16 @@ GuiRpcService::GuiRpcService(MainClass& w, QObject* parent) : QObject(parent), w
     // Waiting requests try again once the window's loop has dealt with the
     // end, so that the next step of a request under way comes first.
     connect(&window, &MainClass::operationEnded, this, &GuiRpcService::retryWaiting, Qt::QueuedConnection);
+    // A script's requests find the board open from one to the next; a pause
+    // lets go of it, once no operation runs.
+    idle.setSingleShot(true);
+    idle.setInterval(usb_link::kBurstIdleMs);
+    connect(&idle, &QTimer::timeout, this, [this] {
+        if (window.running)
+            idle.start();
+        else
+            link().keepOpen(false);
+    });
 }
 
 GuiRpcService::~GuiRpcService() = default;
@@ -79,13 +89,21 @@ void GuiRpcService::retryWaiting()
         retry();
 }
 
+void GuiRpcService::burst()
+{
+    link().keepOpen(true);
+    idle.start();
+}
+
 void GuiRpcService::run(clerk::Command command, const QString& fileName, const PanelSettings& settings, Ended ended)
 {
+    burst();
     if (!window.startScripted(command, settings, fileName, ended))
         ended(tr("another operation runs"), true);
 }
 
 void GuiRpcService::step(const std::function<void()>& work)
 {
+    burst();
     window.runScripted(work);
 }

@@ -10,6 +10,7 @@
 #include "rpc_dispatcher.h"
 
 #include <QObject>
+#include <QTimer>
 #include <QString>
 
 #include <functional>
@@ -45,10 +46,12 @@ public:
 
 private:
     void retryWaiting();
+    void burst();
 
     MainClass& window;
     RpcDispatcher dispatcher;
     BenchMethods methods;
     RpcLocalServer* server = nullptr;
     std::vector<std::function<void()>> waiting;
+    QTimer idle;
 };

@@ -20,6 +20,7 @@
 #include <QJsonArray>
 
 #include <cmath>
+#include <cstring>
 #include <map>
 #include <memory>
 
@@ -403,15 +404,12 @@ void BenchMethods::set(const QJsonObject& params, const RpcReply& reply)
         PanelSettings settings = bench.settings();
         settings.changesOnly = true;
         settings.readBack = true;
+        settings.readBackWritten = true;
         settings.writePauseMs = 0;
         // The read, the write and the read-back go to one board.
         auto hold = std::make_shared<BoardHold>(bench.link());
-        bench.run(clerk::Command::ChipToGui, QString(), settings, [=](const QString& failure, bool stopped) {
-            if (!failure.isEmpty()) {
-                RpcError error = boardError(QStringLiteral("the chip could not be read: ") + failure, stopped);
-                error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}};
-                return reply.error(error);
-            }
+        const bool known = chipAsShown();
+        auto write = [=] {
             setCodes();
             const QJsonArray written = changedRegisters(bench.model().images());
             bench.run(clerk::Command::GuiToChip, QString(), settings, [=](const QString& failure, bool stopped) {
@@ -436,8 +434,29 @@ void BenchMethods::set(const QJsonObject& params, const RpcReply& reply)
                     return reply.result(result);
                 reply.error(RpcCode::ReadBackDiffers, differing.join(QStringLiteral("; ")), result);
             });
+        };
+        if (known)
+            return write();
+        bench.run(clerk::Command::ChipToGui, QString(), settings, [=](const QString& failure, bool stopped) {
+            if (!failure.isEmpty()) {
+                RpcError error = boardError(QStringLiteral("the chip could not be read: ") + failure, stopped);
+                error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}};
+                return reply.error(error);
+            }
+            write();
         });
     });
+}
+
+// The chip holds what the forms show, with no need to read it: the board
+// has stayed open since the chip was last read, nothing has written to it
+// since but the writes that were read back, and the forms hold no change
+// that has not gone to the chip.
+bool BenchMethods::chipAsShown()
+{
+    const RegisterImages& map = bench.model().images();
+    return map.chipKnownOn(bench.link().keptBoard()) && map.knownChanges == bench.link().chipChanges()
+           && std::memcmp(map.guiImage, map.icImage, map.registerCount) == 0;
 }
 
 // A file to the chip as it stands (F9), or into the program's forms (F7);

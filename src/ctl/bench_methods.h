@@ -37,6 +37,7 @@ private:
     void list(const QJsonObject& params, const RpcReply& reply);
     void get(const QJsonObject& params, const RpcReply& reply);
     void set(const QJsonObject& params, const RpcReply& reply);
+    bool chipAsShown();
     void load(const QJsonObject& params, const RpcReply& reply);
     void save(const QJsonObject& params, const RpcReply& reply);
 

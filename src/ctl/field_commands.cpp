@@ -97,6 +97,7 @@ int FieldCommands::write(const QStringList& assignments)
 
     session.settings.changesOnly = true;
     session.settings.readBack = true;
+    session.settings.readBackWritten = true;
     session.settings.writePauseMs = 0;
     // The read, the write and the read-back go to one board.
     usb_link& link = session.link();

@@ -7,21 +7,15 @@
 #include "rpc_local_server.h"
 #include "stdio_transport.h"
 #include "termination_watch.h"
+#include "usb_link.h"
 
 #include <QEventLoop>
 #include <QScopeGuard>
 
-namespace {
-
-// The pause after a request that closes the board, in milliseconds.
-constexpr int kIdleClose = 100;
-
-} // namespace
-
 ServeCommand::ServeCommand(CtlSession& s, CtlOutput& o) : session(s), out(o), methods(*this)
 {
     idle.setSingleShot(true);
-    idle.setInterval(kIdleClose);
+    idle.setInterval(usb_link::kBurstIdleMs);
     QObject::connect(&idle, &QTimer::timeout, [this] { session.link().closeBoard(); });
 }
 

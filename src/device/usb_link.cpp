@@ -183,6 +183,12 @@ void usb_link::keepOpen(bool on)
         closeBoard();
 }
 
+QString usb_link::keptBoard() const
+{
+    QMutexLocker guard(&lock);
+    return kept ? keptKey : QString();
+}
+
 void usb_link::closeBoard()
 {
     QMutexLocker guard(&lock);
@@ -230,6 +236,7 @@ bool usb_link::writeRegister(int address, const quint8* value)
 {
     if (interfaceKind != 0)
         return refuse();
+    ++changes;
     quint8 reply[5];
     return singleRegister(address, writeFlag, *value, reply);
 }
@@ -258,6 +265,8 @@ bool usb_link::block(int count, quint8* elements, bool write)
     const UsbSession session(*this);
     if (!session.isOpen())
         return false;
+    if (write)
+        ++changes;
     const int perFrame = (frameSize - 2) / 3;
     std::vector<quint8> out(static_cast<size_t>(frameSize)), in(static_cast<size_t>(frameSize));
     std::vector<quint8> values(static_cast<size_t>(count));
@@ -331,6 +340,8 @@ bool usb_link::autoincrement(int start, int count, const quint8* source, quint8*
     const UsbSession session(*this);
     if (!session.isOpen())
         return false;
+    if (source)
+        ++changes;
     const int perFrame = frameSize - 4;
     const quint8 direction = source ? writeFlag : readFlag;
     std::vector<quint8> out(static_cast<size_t>(frameSize), 0), in(static_cast<size_t>(frameSize));

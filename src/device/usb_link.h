@@ -87,10 +87,22 @@ public:
     // board anew and finds it replugged or gone.
     void keepOpen(bool keep);
     void closeBoard();
+    // The board kept open now (its key), or empty.
+    QString keptBoard() const;
+    // A count that moves whenever the chip may have changed by other hands
+    // than this link's last reader: at every fresh open of a board (while
+    // it was let go another program may have written it) and at every write.
+    quint64 chipChanges() const { return changes.load(); }
 
     // The vendor identifier of every bridge board; the product may be any.
     static constexpr quint16 kBridgeVendor = 0x2976;
     static constexpr unsigned kTimeoutMs = 5000;
+    // How long an open waits for a board that another program holds: longer
+    // than a serving program keeps the board after a script's last request.
+    static constexpr int kClaimPatienceMs = 400;
+    // The pause after a script's last request after which a serving program
+    // lets go of the board it kept open.
+    static constexpr int kBurstIdleMs = 100;
     static constexpr unsigned char kEndpointOut = 0x02;
     static constexpr unsigned char kEndpointIn = 0x81;
     // The highest register address a frame carries.
@@ -149,5 +161,6 @@ private:
     std::atomic<UsbFrameObserver*> frameObserver{nullptr};
     bool keep = false;
     libusb_device_handle* kept = nullptr; // open and claimed between operations
+    std::atomic<quint64> changes{0};
     QString keptKey;
 };

@@ -5,7 +5,9 @@
 
 #include <libusb.h>
 
+#include <QElapsedTimer>
 #include <QMap>
+#include <QThread>
 
 #include <memory>
 
@@ -58,8 +60,11 @@ void UsbSession::openDevice()
     link.failure.clear();
     link.refused.clear();
     link.handle = nullptr;
-    // A board kept open serves on, unless a held board is another.
-    if (link.kept && (link.holds == 0 || link.heldKey.isEmpty() || link.heldKey == link.keptKey)) {
+    // A board kept open serves on, unless a held board is another, or
+    // another board was chosen meanwhile.
+    const bool held = link.holds > 0 && !link.heldKey.isEmpty();
+    if (link.kept && (held ? link.heldKey == link.keptKey
+                           : link.selectedKey.isEmpty() || link.selectedKey == link.keptKey)) {
         handle = link.kept;
         claimed = true;
         link.handle = handle;
@@ -102,7 +107,15 @@ void UsbSession::openDevice()
         return;
     if (libusb_kernel_driver_active(handle, 0) == 1)
         libusb_detach_kernel_driver(handle, 0);
-    const int claim = libusb_claim_interface(handle, 0);
+    int claim = libusb_claim_interface(handle, 0);
+    // Another program that serves a script keeps the board between two of
+    // its requests and lets go of it after a short pause: wait for that.
+    QElapsedTimer patience;
+    patience.start();
+    while (claim == LIBUSB_ERROR_BUSY && patience.elapsed() < usb_link::kClaimPatienceMs) {
+        QThread::msleep(5);
+        claim = libusb_claim_interface(handle, 0);
+    }
     if (claim != 0) {
         // No transfer ever follows a claim that failed.
         if (claim == LIBUSB_ERROR_BUSY)
@@ -110,6 +123,7 @@ void UsbSession::openDevice()
         return;
     }
     claimed = true;
+    ++link.changes; // while nobody held it, anyone may have written the chip
     link.handle = handle;
     if (link.holds > 0 && link.heldKey.isEmpty())
         link.heldKey = chosenKey;

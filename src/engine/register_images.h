@@ -50,6 +50,11 @@ public:
     // another board makes the chip unknown again.
     QString knownBoard;
     bool chipKnownOn(const QString& board) const { return !board.isEmpty() && board == knownBoard; }
+    // usb_link's count of the chip's changes when icImage last caught up
+    // with the chip: while the count has not moved since and the board has
+    // stayed open, the chip holds icImage in every register it does not
+    // write itself.
+    quint64 knownChanges = 0;
 
     static int getBit(const quint8* image, qint32 position);
     static void setBit(quint8* image, qint32 position, int value);

@@ -62,11 +62,13 @@ QString clerk::chipRead()
 
     emit percent_up(75);
     const QString chip = link->heldBoard();
-    onGuiThread([map, &buffer, count, &chip] {
+    const quint64 changes = link->chipChanges();
+    onGuiThread([map, &buffer, count, &chip, changes] {
         map->dropOldIC();
         std::memcpy(map->icImage, buffer.data(), size_t(count));
         std::memcpy(map->guiImage, buffer.data(), size_t(count));
         map->knownBoard = chip;
+        map->knownChanges = changes;
     });
     registersRead = count;
     emit percent_up(100);
@@ -141,6 +143,8 @@ QString clerk::chipWrite()
             std::vector<quint8> list = link->blockList(addresses, values.data());
             if (!link->writeBlock(int(addresses.size()), list.data()))
                 return statusOrInterfaceError();
+            if (settings.readBack && settings.readBackWritten)
+                return readBackWritten(map, addresses);
         }
 
         if (settings.readBack) {
@@ -156,6 +160,39 @@ QString clerk::chipWrite()
         emit percent_up(100);
         return QString();
     }
+    return QString();
+}
+
+// After a changes-only write to a known chip, the registers written read
+// back in block frames into both images. When every one came back as
+// written, the forms stand as they are and the chip is still known; a
+// register that came back otherwise makes the operation end as a read, so
+// that the forms show what the chip holds.
+QString clerk::readBackWritten(RegisterImages* map, const std::vector<int>& addresses)
+{
+    if (!pause())
+        return tr("Interrupted");
+    emit percent_up(45);
+    const int count = int(addresses.size());
+    std::vector<quint8> list = link->blockList(addresses);
+    if (!link->readBlock(count, list.data()))
+        return interfaceError() + QLatin1Char('\n') + QStringLiteral("the registers were written; the read-back failed");
+    const int size = link->addressBytes + 1;
+    const quint64 changes = link->chipChanges();
+    bool differs = false;
+    onGuiThread([&] {
+        for (int i = 0; i < count; ++i) {
+            const quint8 value = list[size_t(i * size + size - 1)];
+            const size_t r = size_t(addresses[size_t(i)]);
+            differs = differs || map->guiImage[r] != value;
+            map->icImage[r] = map->guiImage[r] = value;
+        }
+        map->knownChanges = changes;
+    });
+    registersRead = count;
+    if (differs)
+        command = Command::ChipToGui;
+    emit percent_up(100);
     return QString();
 }
 

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <functional>
+#include <vector>
 
 class RegisterImages;
 class usb_link;
@@ -80,6 +81,7 @@ private:
     QString operation();
     QString chipRead();
     QString chipWrite();
+    QString readBackWritten(RegisterImages* map, const std::vector<int>& addresses);
     QString fileToChip();
     QString chipToFile();
     QString fileToGui();

@@ -18,6 +18,9 @@ struct PanelSettings
     bool changesOnly = true;
     // A write ends with a read of the chip, after the write pause.
     bool readBack = true;
+    // A changes-only write to a known chip reads back only the registers it
+    // wrote (a script's write of a few fields), not the whole chip.
+    bool readBackWritten = false;
     // The pause before the read-back and before each section of a file
     // sent to the chip.
     int writePauseMs = 200;
@@ -46,7 +49,7 @@ struct PanelSettings
 private:
     auto members() const
     {
-        return std::tie(readStyle, writeStyle, changesOnly, readBack, writePauseMs, separateWrite, comments, mergeFile,
+        return std::tie(readStyle, writeStyle, changesOnly, readBack, readBackWritten, writePauseMs, separateWrite, comments, mergeFile,
                         configCheck, statusBits, serviceBits, allRegisters, repeatRead, autoPauseSeconds, registerNumber,
                         registerValue);
     }

@@ -136,6 +136,12 @@ def test_sweep(server, tmp_path):
         assert server.registers_read(first=21, count=1)["values"][0] & 0x1F == code
         if forms:  # the program's forms show the step
             assert server.fields_get(["ChA_PLL_RDiv"], source="gui")["fields"][0]["code"] == code
+    # A register written beside the forms: the next field write reads the
+    # chip first instead of trusting what it last read.
+    reg = server.registers_read(first=21, count=1)["values"][0]
+    server.registers_write({21: reg ^ 0x1F})
+    assert server.fields_set({"ChA_PLL_RDiv": 0})["written"] == [21]
+    assert server.registers_read(first=21, count=1)["values"][0] == reg
     server.fields_set({"ChA_PLL_RDiv": 9})
     path = server.file_save(tmp_path / "swept.hex", comments=True)["path"]
     server.fields_set({"ChA_PLL_RDiv": 2})

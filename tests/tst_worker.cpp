@@ -235,6 +235,23 @@ private slots:
         bus->clearWireLog();
         run(Command::GuiToChip);
         QCOMPARE(sent().mid(1), QList<QByteArray>({frame}));
+
+        // A read-back of only what was written, in one block frame: register
+        // 0, which the chip keeps to itself, comes back as the chip holds it
+        // in both images, and the write ends as a read so that the forms
+        // show it.
+        read();
+        settings.readBack = settings.readBackWritten = true, settings.writePauseMs = 0;
+        const quint8 kept = map->icImage[0];
+        map->guiImage[0] ^= 0x01, map->guiImage[21] ^= 0x01;
+        const quint8 reg21now = map->guiImage[21];
+        bus->clearWireLog();
+        std::unique_ptr<clerk> w(worker(Command::GuiToChip));
+        QCOMPARE(runToEnd(w.get()).value(0), QString());
+        QCOMPARE(w->command, Command::ChipToGui);
+        QCOMPARE(sent().size(), 3);
+        QCOMPARE(std::pair(map->guiImage[0], map->icImage[0]), std::pair(kept, kept));
+        QCOMPARE(std::pair(map->guiImage[21], map->icImage[21]), std::pair(reg21now, reg21now));
     }
 
     // A full write in each style, one register at a time, in blocks and by

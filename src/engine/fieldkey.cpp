@@ -3,20 +3,76 @@
 #include "part.h"
 
 #include <QStringList>
+#include <QVarLengthArray>
 
 #include <algorithm>
 
 // Field names are read from the end: [mark] width position chip words... "ZV".
+namespace {
+
+// A run of the name as QString::toUInt and toInt read it; a run of a few
+// digits, as every form's names have, is read without a copy.
+quint32 unsignedAt(const QString& name, int from, int to)
+{
+    quint32 value = 0;
+    if (to - from < 1 || to - from > 9)
+        return name.mid(from, to - from).toUInt(nullptr, 10);
+    for (int i = from; i < to; ++i) {
+        const ushort c = name.at(i).unicode();
+        if (c < '0' || c > '9')
+            return name.mid(from, to - from).toUInt(nullptr, 10);
+        value = value * 10 + (c - '0');
+    }
+    return value;
+}
+
+qint32 signedAt(const QString& name, int from, int to)
+{
+    for (int i = from; i < to; ++i)
+        if (name.at(i) < QLatin1Char('0') || name.at(i) > QLatin1Char('9'))
+            return name.mid(from, to - from).toInt(nullptr, 10);
+    return to - from >= 1 && to - from <= 9 ? qint32(unsignedAt(name, from, to)) : name.mid(from, to - from).toInt(nullptr, 10);
+}
+
+// Calls each(from, to) for every run of [from, to) between the marks,
+// empty runs included, as QString::split makes them.
+template <typename Each>
+void runs(const QString& name, int from, int to, QChar mark, Each each)
+{
+    for (;;) {
+        int cut = from;
+        while (cut < to && name.at(cut) != mark)
+            ++cut;
+        each(from, cut);
+        if (cut >= to)
+            return;
+        from = cut + 1;
+    }
+}
+
+} // namespace
+
 std::optional<part> parseFieldName(const QString& name)
 {
     if (name.isEmpty())
         return std::nullopt;
-    const QStringList tokens = name.split(QLatin1Char('_'));
-    if (tokens.first() != QLatin1String("ZV"))
+    // Where each token between the underscores begins and ends.
+    QVarLengthArray<int, 24> starts, ends;
+    runs(name, 0, name.size(), QLatin1Char('_'), [&](int from, int to) {
+        starts.append(from);
+        ends.append(to);
+    });
+    if (ends[0] != 2 || !name.startsWith(QLatin1String("ZV")))
         return std::nullopt;
+    auto tokenHas = [&](int token, QChar c) {
+        for (int i = starts[token]; i < ends[token]; ++i)
+            if (name.at(i) == c)
+                return true;
+        return false;
+    };
 
-    int cursor = tokens.size() - 1;
-    const bool inverted = tokens.at(cursor).contains(QLatin1Char('I'));
+    int cursor = starts.size() - 1;
+    const bool inverted = tokenHas(cursor, QLatin1Char('I'));
     if (inverted)
         --cursor;
     // Behind "ZV" there must be at least a chip word, a position and a width;
@@ -26,23 +82,24 @@ std::optional<part> parseFieldName(const QString& name)
 
     std::optional<part> p(std::in_place);
     p->inverted = inverted;
-    const QString& widthToken = tokens.at(cursor);
-    p->joined = widthToken.contains(QLatin1Char('p'));
-    const QStringList widthPieces = widthToken.split(QLatin1Char('p'));
-    for (const QString& piece : widthPieces) {
-        const quint32 w = piece.toUInt(nullptr, 10);
+    p->joined = tokenHas(cursor, QLatin1Char('p'));
+    runs(name, starts[cursor], ends[cursor], QLatin1Char('p'), [&](int from, int to) {
+        const quint32 w = unsignedAt(name, from, to);
         p->widths.append(w);
         // Summed as unsigned: an absurd width wraps instead of overflowing.
         p->width = static_cast<qint32>(static_cast<quint32>(p->width) + w);
-    }
-    const QStringList positionPieces = tokens.at(cursor - 1).split(QLatin1Char('p'));
-    p->position = positionPieces.first().toInt(nullptr, 10);
-    for (const QString& piece : positionPieces)
-        p->positions.append(piece.toUInt(nullptr, 10));
+    });
+    bool first = true;
+    runs(name, starts[cursor - 1], ends[cursor - 1], QLatin1Char('p'), [&](int from, int to) {
+        if (first)
+            p->position = signedAt(name, from, to);
+        first = false;
+        p->positions.append(unsignedAt(name, from, to));
+    });
 
     const int chipIndex = cursor - 2;
-    p->chip = tokens.at(chipIndex);
-    p->name = tokens.mid(1, chipIndex).join(QLatin1Char('_'));
+    p->chip = name.mid(starts[chipIndex], ends[chipIndex] - starts[chipIndex]);
+    p->name = name.mid(starts[1], ends[chipIndex] - starts[1]);
     return p;
 }
 

@@ -2,15 +2,14 @@
 // program: $XDG_RUNTIME_DIR/zv4280tb-<pid>.sock by default, or a path of the
 // caller's choice. The socket has mode 0600 and stands in a folder only the
 // user can enter, and a client of another user is dropped on arrival, so no
-// one else can connect. Each client is an RpcConnection of its own; the
+// one else can connect. Each client is an FdTransport of its own; the
 // socket is removed when the server goes.
 #pragma once
 
 #include <QObject>
 #include <QString>
 
-class QLocalServer;
-class QLocalSocket;
+class QSocketNotifier;
 class RpcDispatcher;
 
 class RpcLocalServer : public QObject
@@ -25,19 +24,23 @@ public:
     // with a message when the folder is not the user's alone.
     static QString defaultPath(QString* error);
 
-    // Listens at `path`; false with a message when the path is taken, its
-    // folder does not exist or the socket cannot be made.
+    // Listens at `path` (a relative one from the working folder); false
+    // with a message when the path is taken, its folder does not exist or
+    // the socket cannot be made.
     bool listen(const QString& path, QString* error);
-    QString path() const;
+    QString path() const { return socketPath; }
 
     // Clients served now.
     int clients() const { return connections; }
 
 private:
     void accept();
-    void serve(QLocalSocket* socket);
+    void serve(int descriptor);
+    void close();
 
     const RpcDispatcher& dispatcher;
-    QLocalServer* server = nullptr;
+    int listener = -1;
+    QSocketNotifier* arrivals = nullptr;
+    QString socketPath;
     int connections = 0;
 };

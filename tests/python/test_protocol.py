@@ -4,6 +4,7 @@ program under Xvfb. Runs under zvsim-launch, whose control pipe plugs a
 second board in or makes a transfer fail."""
 
 import os
+import socket
 import subprocess
 import sys
 import time
@@ -157,6 +158,17 @@ def test_huge_message(server):
     assert error["code"] == zv4280.INVALID_REQUEST and "1 MiB" in error["message"]
     with pytest.raises(ConnectionError):
         server.receive()
+
+
+def test_client_that_does_not_read(program):
+    # Its replies wait in the program, which answers the next client.
+    while not os.path.exists(program):
+        time.sleep(0.05)
+    with socket.socket(socket.AF_UNIX) as silent:
+        silent.connect(program)
+        silent.sendall(b'{"jsonrpc": "2.0", "id": 1, "method": "fields.list", "params": {"match": "_"}}\n' * 40)
+        with zv4280.connect(program) as client:
+            assert client.session_info()["server"] == "zv4280tb"
 
 
 # Each command is followed by a dump, whose file tells that the launcher has

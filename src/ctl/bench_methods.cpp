@@ -407,8 +407,10 @@ void BenchMethods::set(const QJsonObject& params, const RpcReply& reply)
         // The read, the write and the read-back go to one board.
         auto hold = std::make_shared<BoardHold>(bench.link());
         bench.run(clerk::Command::ChipToGui, QString(), settings, [=](const QString& failure, bool stopped) {
-            if (!failure.isEmpty()) {
-                RpcError error = boardError(QStringLiteral("the chip could not be read: ") + failure, stopped);
+            if (!failure.isEmpty() || stopped) {
+                RpcError error = boardError(failure.isEmpty() ? QStringLiteral("the chip was read, nothing was written")
+                                                              : QStringLiteral("the chip could not be read: ") + failure,
+                                            stopped);
                 error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}};
                 return reply.error(error);
             }
@@ -508,8 +510,10 @@ void BenchMethods::save(const QJsonObject& params, const RpcReply& reply)
         if (source == kGui)
             return toFile(QString(), false);
         bench.run(clerk::Command::ChipToGui, QString(), settings, [=](const QString& failure, bool stopped) {
-            if (!failure.isEmpty())
-                return reply.error(boardError(QStringLiteral("the chip could not be read: ") + failure, stopped));
+            if (!failure.isEmpty() || stopped)
+                return reply.error(boardError(failure.isEmpty() ? QStringLiteral("the chip was read, nothing was saved")
+                                                                : QStringLiteral("the chip could not be read: ") + failure,
+                                              stopped));
             toFile(QString(), false);
         });
     });

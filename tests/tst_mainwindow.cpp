@@ -395,11 +395,19 @@ private slots:
         });
         first.send(call("fields.set", "\"values\": {\"ChA_PLL_RDiv\": " + QByteArray::number((rdiv & 0x1F) ^ 1) + "}"));
         const QJsonObject stopped = first.reply()["error"].toObject();
-        disconnect(press);
         QCOMPARE(stopped["code"].toInt(), -32004);
         QVERIFY2(stopped["message"].toString().contains("stopped by a key"), qPrintable(stopped["message"].toString()));
         QCOMPARE(chip()[21], rdiv);
         QVERIFY(!action("action_ICGUI")->isChecked() && !main->running);
+        // A load stopped in its pause leaves the section before it on the chip, and says so.
+        QVERIFY(writeFile(path("paused.hex"), "Reg40 11\nReg41 22\nReg42 33\nReg-1 00\nReg43 44\n"));
+        const char reg43 = chip()[43];
+        first.send(call("file.load", "\"path\": \"" + path("paused.hex").toUtf8() + "\""));
+        const QJsonObject cut = first.reply()["error"].toObject();
+        disconnect(press);
+        QCOMPARE(cut["code"].toInt(), -32004);
+        QCOMPARE(cut["data"].toObject()["uncertain"].toArray(), (QJsonArray{40, 41, 42, 43}));
+        QCOMPARE(chip().mid(40, 4), QByteArray::fromHex("112233") + reg43);
     }
 
     // The View menu opens every window, one entry each; closing the main window closes them all with it.

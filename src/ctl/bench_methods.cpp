@@ -456,7 +456,8 @@ void BenchMethods::load(const QJsonObject& params, const RpcReply& reply)
     if (target == kGui && !formsServed(QStringLiteral("target"), reply))
         return;
     QString refusal;
-    const int registers = FileCommands::check(path, bench.model().images(), lenient, &refusal);
+    QJsonArray sent;
+    const int registers = FileCommands::check(path, bench.model().images(), lenient, &refusal, nullptr, &sent);
     if (registers < 0)
         return reply.error(RpcCode::FileError, refusal);
 
@@ -469,8 +470,16 @@ void BenchMethods::load(const QJsonObject& params, const RpcReply& reply)
                   [=](const QString& failure, bool stopped) {
                       if (failure.isEmpty())
                           return reply.result(QJsonObject{{QStringLiteral("registers"), registers}});
-                      if (toChip)
-                          return reply.error(boardError(QStringLiteral("\"%1\" could not be sent: %2").arg(path, failure), stopped));
+                      if (toChip) {
+                          RpcError error = boardError(QStringLiteral("\"%1\" could not be sent: %2").arg(path, failure), stopped);
+                          error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}};
+                          // The sections before the stop or the failure are on the chip.
+                          if (error.code != RpcCode::NoBoard) {
+                              error.message += QStringLiteral("; some of its registers may have been written: read them to see");
+                              error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}, {QStringLiteral("uncertain"), sent}};
+                          }
+                          return reply.error(error);
+                      }
                       reply.error(RpcCode::FileError, QStringLiteral("\"%1\": %2").arg(path, failure));
                   });
     });

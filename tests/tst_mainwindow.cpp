@@ -361,11 +361,14 @@ private slots:
         QString error;
         QVERIFY2(service.listen(path("tb.sock"), &error), qPrintable(error));
         auto call = [](const char* method, const QByteArray& params) {
-            return "{\"jsonrpc\": \"2.0\", \"id\": 1, \"method\": \"" + QByteArray(method) + "\", \"params\": {" + params + "}}\n";
+            return "{\"jsonrpc\": \"2.0\", \"id\": 1, \"method\": \"" + QByteArray(method) + "\", \"params\": {" + params
+                   + "}}\n";
         };
         // Answered once the server holds the request behind it.
         const QByteArray info = call("session.info", "");
-        auto write40 = [&](int v) { return info + call("registers.write", "\"wait\": true, \"values\": {\"40\": " + QByteArray::number(v) + "}"); };
+        auto write40 = [&](int v) {
+            return info + call("registers.write", "\"wait\": true, \"values\": {\"40\": " + QByteArray::number(v) + "}");
+        };
         set("InteractiveRefresh", 1), set("PauseTimer", 3600000), set("ChangesOnly", 0);
         action("action_GUIIC")->trigger();
         const int gui41 = main->model()->images().guiImage[41];

@@ -41,8 +41,9 @@ int FileCommands::check(const QString& file, const RegisterImages& map, bool len
         return -1;
     }
     QVector<bool> present;
-    HexEntries::image(entries, map.registerCount, &present);
-    for (int r = 0; sent && r < present.size(); ++r)
+    if (sent)
+        HexEntries::image(entries, map.registerCount, &present);
+    for (int r = 0; r < present.size(); ++r)
         if (present[r])
             sent->append(r);
     return int(std::count_if(entries.cbegin(), entries.cend(), [](const HexEntries::Entry& e) { return !e.isPause(); }));

@@ -2,11 +2,38 @@
 #include "app/undo_actions.h"
 #include "app/usb_log_dock.h"
 #include "boardsupport.h"
+#include "gui_rpc_service.h"
 #include "testsupport.h"
 #include "engine/form_model.h"
 #include "service_block.h"
 
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <thread>
+#include <unistd.h>
+
+// A script on the program's socket: lines sent, a reply awaited while the window's loop turns.
+struct ScriptClient
+{
+    int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);
+    explicit ScriptClient(const QString& path)
+    {
+        sockaddr_un at{};
+        at.sun_family = AF_UNIX;
+        qstrncpy(at.sun_path, QFile::encodeName(path).constData(), sizeof at.sun_path);
+        QCOMPARE(::connect(fd, reinterpret_cast<sockaddr*>(&at), sizeof at), 0);
+    }
+    ~ScriptClient() { ::close(fd); }
+    void send(const QByteArray& lines) { QCOMPARE(::write(fd, lines.data(), size_t(lines.size())), ssize_t(lines.size())); }
+    bool answered() { char c; return ::recv(fd, &c, 1, MSG_PEEK) > 0; }
+    QJsonObject reply()
+    {
+        QByteArray line;
+        char c = 0;
+        (void)QTest::qWaitFor([&] { while (::read(fd, &c, 1) == 1 && c != '\n') line += c; return c == '\n'; }, 20000);
+        return QJsonDocument::fromJson(line).object();
+    }
+};
 
 // The real main window on a simulated board, offscreen with the embedded
 // translation: what only the window shows of the engine's work (the keys
@@ -323,6 +350,67 @@ private slots:
         QFile saved(dir.filePath("log.txt"));
         QVERIFY(saved.open(QIODevice::ReadOnly));
         QCOMPARE(saved.readAll(), list->toPlainText().toUtf8() + "\n");
+    }
+
+    // Scripts and the toolbar take turns. While F10 waits out its pause a request is answered "busy",
+    // or with "wait" runs after the end, the waiting ones in their order, each once. F11 during a
+    // request's chip read stops the request before it writes, even when the read goes on to its end.
+    void requestsTakeTurns()
+    {
+        GuiRpcService service(*main);
+        QString error;
+        QVERIFY2(service.listen(path("tb.sock"), &error), qPrintable(error));
+        auto call = [](const char* method, const QByteArray& params) {
+            return "{\"jsonrpc\": \"2.0\", \"id\": 1, \"method\": \"" + QByteArray(method) + "\", \"params\": {" + params
+                   + "}}\n";
+        };
+        // Answered once the server holds the request behind it.
+        const QByteArray info = call("session.info", "");
+        auto write40 = [&](int v) {
+            return info + call("registers.write", "\"wait\": true, \"values\": {\"40\": " + QByteArray::number(v) + "}");
+        };
+        set("InteractiveRefresh", 1), set("PauseTimer", 3600000), set("ChangesOnly", 0);
+        action("action_GUIIC")->trigger();
+        const int gui41 = main->model()->images().guiImage[41];
+        ScriptClient busy(service.path()), first(service.path()), second(service.path()), third(service.path());
+        busy.send(call("registers.write", "\"values\": {\"41\": " + QByteArray::number(gui41 ^ 0xFF) + "}"));
+        const QJsonObject refused = busy.reply()["error"].toObject();
+        QCOMPARE(refused["code"].toInt(), -32004);
+        QVERIFY2(refused["message"].toString().contains("add \"wait\": true"), qPrintable(refused["message"].toString()));
+        first.send(write40(1)), first.reply();
+        second.send(info + call("registers.read", "\"wait\": true, \"first\": 40, \"count\": 1")), second.reply();
+        third.send(write40(2)), third.reply();
+        QVERIFY(main->running && !first.answered() && !second.answered() && !third.answered());
+        ModalCatcher catcher;
+        action("action_GUIIC")->trigger();
+        QCOMPARE(first.reply()["result"].toObject()["written"].toArray(), QJsonArray{40});
+        QCOMPARE(second.reply()["result"].toObject()["values"].toArray(), QJsonArray{1});
+        QCOMPARE(third.reply()["result"].toObject()["readBack"].toObject(), QJsonObject({{"40", 2}}));
+        QCOMPARE(catcher.texts, QStringList{"Interrupted"});
+        QCOMPARE(int(quint8(chip()[40])), 2);
+        QCOMPARE(int(quint8(chip()[41])), gui41);
+        set("ChangesOnly", 1);
+
+        const char rdiv = chip()[21];
+        auto press = connect(main->progressBar, &QProgressBar::valueChanged, this, [this](int v) {
+            if (v == 75)
+                action("action_ICGUI")->trigger();
+        });
+        first.send(call("fields.set", "\"values\": {\"ChA_PLL_RDiv\": " + QByteArray::number((rdiv & 0x1F) ^ 1) + "}"));
+        const QJsonObject stopped = first.reply()["error"].toObject();
+        QCOMPARE(stopped["code"].toInt(), -32004);
+        QVERIFY2(stopped["message"].toString().contains("stopped by a key"), qPrintable(stopped["message"].toString()));
+        QCOMPARE(chip()[21], rdiv);
+        QVERIFY(!action("action_ICGUI")->isChecked() && !main->running);
+        // A load stopped in its pause leaves the section before it on the chip, and says so.
+        QVERIFY(writeFile(path("paused.hex"), "Reg40 11\nReg41 22\nReg42 33\nReg-1 00\nReg43 44\n"));
+        const char reg43 = chip()[43];
+        first.send(call("file.load", "\"path\": \"" + path("paused.hex").toUtf8() + "\""));
+        const QJsonObject cut = first.reply()["error"].toObject();
+        disconnect(press);
+        QCOMPARE(cut["code"].toInt(), -32004);
+        QCOMPARE(cut["data"].toObject()["uncertain"].toArray(), (QJsonArray{40, 41, 42, 43}));
+        QCOMPARE(chip().mid(40, 4), QByteArray::fromHex("112233") + reg43);
     }
 
     // The View menu opens every window, one entry each; closing the main window closes them all with it.

@@ -104,8 +104,8 @@ public:
 
     // Operations a script asks for: the cycle and the count of a toolbar
     // key's, their end handed to `ended` (the failure's text, empty after a
-    // success, and whether a key stopped it) instead of a message box. False,
-    // with nothing started, while an operation runs.
+    // success, and whether a key asked it to stop) instead of a message
+    // box. False, with nothing started, while an operation runs.
     using ScriptEnd = std::function<void(const QString& failure, bool stopped)>;
     bool startScripted(clerk::Command command, const PanelSettings& settings, const QString& fileName,
                        ScriptEnd ended);

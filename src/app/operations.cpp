@@ -239,12 +239,16 @@ void MainClass::error_message(QString m)
             ui->action_ICGUI->setChecked(false);
         else if (ui->action_ICGUI->isChecked())
             QTimer::singleShot(settings.autoPauseSeconds * 1000, this, &MainClass::on_action_ICGUI_triggered);
+    } else if (scripted && stopped) {
+        ui->action_ICGUI->setChecked(false); // as after a stop that was seen
     }
     progressBar->setValue(100);
     map->refreshRegisterView();
     endOperation();
+    // A key pressed during a step that had no point to stop at ends the
+    // script's request before its next step.
     if (scripted)
-        scripted(QString(), false);
+        scripted(QString(), stopped);
 }
 
 void MainClass::endOperation()

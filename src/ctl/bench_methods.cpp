@@ -438,8 +438,10 @@ void BenchMethods::set(const QJsonObject& params, const RpcReply& reply)
         if (known)
             return write();
         bench.run(clerk::Command::ChipToGui, QString(), settings, [=](const QString& failure, bool stopped) {
-            if (!failure.isEmpty()) {
-                RpcError error = boardError(QStringLiteral("the chip could not be read: ") + failure, stopped);
+            if (!failure.isEmpty() || stopped) {
+                RpcError error = boardError(failure.isEmpty() ? QStringLiteral("the chip was read, nothing was written")
+                                                              : QStringLiteral("the chip could not be read: ") + failure,
+                                            stopped);
                 error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}};
                 return reply.error(error);
             }
@@ -473,7 +475,8 @@ void BenchMethods::load(const QJsonObject& params, const RpcReply& reply)
     if (target == kGui && !formsServed(QStringLiteral("target"), reply))
         return;
     QString refusal;
-    const int registers = FileCommands::check(path, bench.model().images(), lenient, &refusal);
+    QJsonArray sent;
+    const int registers = FileCommands::check(path, bench.model().images(), lenient, &refusal, nullptr, &sent);
     if (registers < 0)
         return reply.error(RpcCode::FileError, refusal);
 
@@ -486,8 +489,16 @@ void BenchMethods::load(const QJsonObject& params, const RpcReply& reply)
                   [=](const QString& failure, bool stopped) {
                       if (failure.isEmpty())
                           return reply.result(QJsonObject{{QStringLiteral("registers"), registers}});
-                      if (toChip)
-                          return reply.error(boardError(QStringLiteral("\"%1\" could not be sent: %2").arg(path, failure), stopped));
+                      if (toChip) {
+                          RpcError error = boardError(QStringLiteral("\"%1\" could not be sent: %2").arg(path, failure), stopped);
+                          error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}};
+                          // The sections before the stop or the failure are on the chip.
+                          if (error.code != RpcCode::NoBoard) {
+                              error.message += QStringLiteral("; some of its registers may have been written: read them to see");
+                              error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}, {QStringLiteral("uncertain"), sent}};
+                          }
+                          return reply.error(error);
+                      }
                       reply.error(RpcCode::FileError, QStringLiteral("\"%1\": %2").arg(path, failure));
                   });
     });
@@ -527,8 +538,10 @@ void BenchMethods::save(const QJsonObject& params, const RpcReply& reply)
         if (source == kGui)
             return toFile(QString(), false);
         bench.run(clerk::Command::ChipToGui, QString(), settings, [=](const QString& failure, bool stopped) {
-            if (!failure.isEmpty())
-                return reply.error(boardError(QStringLiteral("the chip could not be read: ") + failure, stopped));
+            if (!failure.isEmpty() || stopped)
+                return reply.error(boardError(failure.isEmpty() ? QStringLiteral("the chip was read, nothing was saved")
+                                                                : QStringLiteral("the chip could not be read: ") + failure,
+                                              stopped));
             toFile(QString(), false);
         });
     });

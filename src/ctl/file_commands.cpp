@@ -28,7 +28,7 @@ int FileCommands::boardFailure(const QString& what)
 // register line holds one of the chip's registers, and one register line at
 // least is there; and, unless lenient, no line is other than plain.
 int FileCommands::check(const QString& file, const RegisterImages& map, bool lenient, QString* refusal,
-                        QVector<OddLines::Line>* odd)
+                        QVector<OddLines::Line>* odd, QJsonArray* sent)
 {
     QVector<HexEntries::Entry> entries;
     QVector<OddLines::Line> found;
@@ -40,6 +40,12 @@ int FileCommands::check(const QString& file, const RegisterImages& map, bool len
         *refusal = QStringLiteral("\"%1\": %2").arg(file, OddLines::describe(found, 5));
         return -1;
     }
+    QVector<bool> present;
+    if (sent)
+        HexEntries::image(entries, map.registerCount, &present);
+    for (int r = 0; r < present.size(); ++r)
+        if (present[r])
+            sent->append(r);
     return int(std::count_if(entries.cbegin(), entries.cend(), [](const HexEntries::Entry& e) { return !e.isPause(); }));
 }
 

@@ -4,6 +4,7 @@
 
 #include "odd_lines.h"
 
+#include <QJsonArray>
 #include <QString>
 
 class CtlOutput;
@@ -26,9 +27,10 @@ public:
     // The register lines of a file that a load into this map may send; -1
     // with the reason when a load refuses the file.
     // Unless lenient, lines that are no plain lines refuse it too; `odd`
-    // (when given) takes them.
+    // (when given) takes them, and `sent` the registers a load writes, in
+    // rising order.
     static int check(const QString& file, const RegisterImages& map, bool lenient, QString* refusal,
-                     QVector<OddLines::Line>* odd = nullptr);
+                     QVector<OddLines::Line>* odd = nullptr, QJsonArray* sent = nullptr);
 
 private:
     // The register lines of a file that a load may send; -1 after a refusal.

@@ -18,7 +18,9 @@ class RpcBench
 {
 public:
     // The end of an operation: the worker's failure text (empty after a
-    // success), and whether a user stopped it.
+    // success), and whether a user asked it to stop; an operation with no
+    // point to stop at ends well all the same, and a request then takes no
+    // further step.
     using Ended = std::function<void(const QString& failure, bool stopped)>;
 
     virtual ~RpcBench() = default;

@@ -144,6 +144,7 @@ private:
     void startOperation(clerk::Command command, const QString& fileName = QString(),
                         const PanelSettings* settings = nullptr);
     void endOperation();
+    void repeatReadTurn();
     void showOperationCount();
     QString askFile(bool save, const QString& caption, bool keepFolder = true);
     void openFileFor(clerk::Command command);
@@ -154,6 +155,7 @@ private:
     // The title that F7 or F9 gives once its file has been loaded.
     QString titleAfterLoad;
     ScriptEnd scriptEnd; // the running operation's, when a script started it
+    bool repeatWaits = false; // the repeat read's turn came during a script's operation
     std::unique_ptr<FormModel> formModel;
     std::unique_ptr<FormBinding> binding;
     std::unique_ptr<UndoActions> undoActions;

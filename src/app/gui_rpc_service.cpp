@@ -29,7 +29,11 @@ GuiRpcService::GuiRpcService(MainClass& w, QObject* parent) : QObject(parent), w
     });
 }
 
-GuiRpcService::~GuiRpcService() = default;
+// The board a script's requests kept open is let go with the service.
+GuiRpcService::~GuiRpcService()
+{
+    link().keepOpen(false);
+}
 
 bool GuiRpcService::listen(const QString& given, QString* error)
 {

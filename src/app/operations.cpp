@@ -238,7 +238,7 @@ void MainClass::error_message(QString m)
         if (!settings.repeatRead)
             ui->action_ICGUI->setChecked(false);
         else if (ui->action_ICGUI->isChecked())
-            QTimer::singleShot(settings.autoPauseSeconds * 1000, this, &MainClass::on_action_ICGUI_triggered);
+            QTimer::singleShot(settings.autoPauseSeconds * 1000, this, &MainClass::repeatReadTurn);
     } else if (scripted && stopped) {
         ui->action_ICGUI->setChecked(false); // as after a stop that was seen
     }
@@ -251,8 +251,21 @@ void MainClass::error_message(QString m)
         scripted(QString(), stopped);
 }
 
+// The repeat read's next read. A script's operation that runs then is no
+// key of the user's: it is left to end, and the read follows it.
+void MainClass::repeatReadTurn()
+{
+    if (running && scriptEnd) {
+        repeatWaits = true;
+        return;
+    }
+    on_action_ICGUI_triggered();
+}
+
 void MainClass::endOperation()
 {
+    if (std::exchange(repeatWaits, false))
+        QTimer::singleShot(0, this, &MainClass::repeatReadTurn);
     progressAction()->setVisible(false);
     worker = nullptr;
     running = false;

@@ -99,9 +99,13 @@ void FormBinding::estimatedChanged(const QString& objectName, bool estimated)
     QWidget* w = byName.value(objectName);
     if (!w)
         return;
-    QFont font = w->font();
-    font.setItalic(estimated);
-    w->setFont(font);
+    // A font set, even the same one, sends a change to the widget and its
+    // children, which costs a combo box its popup: only a change is set.
+    if (w->font().italic() != estimated) {
+        QFont font = w->font();
+        font.setItalic(estimated);
+        w->setFont(font);
+    }
     if (estimated) {
         if (!plainToolTips.contains(objectName))
             plainToolTips.insert(objectName, w->toolTip());

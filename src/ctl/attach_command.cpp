@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -110,24 +111,41 @@ int AttachCommand::run(const QString& given)
         return int(CtlExit::Board);
     }
 
-    QByteArray line; // input not yet sent, up to its line end
+    // The socket is written only when it takes more, and standard input is
+    // read only while little waits to be sent, so that a program that stops
+    // reading while its replies pile up never finds this end blocked in a
+    // write: the replies are always read.
+    const int flags = ::fcntl(server, F_GETFL);
+    ::fcntl(server, F_SETFL, flags | O_NONBLOCK);
+    QByteArray line;    // input not yet taken, up to its line end
+    QByteArray pending; // whole lines not yet sent
     qint64 expected = 0, received = 0;
-    bool inputOpen = true;
+    bool inputOpen = true, serverOpen = true;
     char buffer[65536];
-    while (inputOpen || received < expected) {
-        pollfd watched[2] = {{server, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
-        if (::poll(watched, inputOpen ? 2 : 1, -1) < 0) {
+    while (serverOpen && (inputOpen || !pending.isEmpty() || received < expected)) {
+        const bool takeInput = inputOpen && pending.size() < int(sizeof buffer);
+        pollfd watched[2] = {{server, short(POLLIN | (pending.isEmpty() ? 0 : POLLOUT)), 0}, {STDIN_FILENO, POLLIN, 0}};
+        if (::poll(watched, takeInput ? 2 : 1, -1) < 0) {
             if (errno == EINTR)
                 continue;
             break;
         }
-        if (watched[0].revents != 0) {
+        if (watched[0].revents & (POLLIN | POLLHUP | POLLERR)) {
             const ssize_t n = ::read(server, buffer, sizeof buffer);
+            if (n < 0 && (errno == EINTR || errno == EAGAIN))
+                continue;
             if (n <= 0 || !writeAll(STDOUT_FILENO, buffer, n))
                 break; // the program closed the connection
             received += std::count(buffer, buffer + n, '\n');
         }
-        if (inputOpen && watched[1].revents != 0) {
+        if (!pending.isEmpty() && (watched[0].revents & POLLOUT)) {
+            const ssize_t n = ::send(server, pending.constData(), size_t(pending.size()), MSG_NOSIGNAL);
+            if (n > 0)
+                pending.remove(0, int(n));
+            else if (n < 0 && errno != EINTR && errno != EAGAIN)
+                serverOpen = false;
+        }
+        if (takeInput && watched[1].revents != 0) {
             const ssize_t n = ::read(STDIN_FILENO, buffer, sizeof buffer);
             if (n < 0 && errno == EINTR)
                 continue;
@@ -137,8 +155,7 @@ int AttachCommand::run(const QString& given)
                 line.append('\n'); // the last line, without its end
             for (int end; (end = line.indexOf('\n')) >= 0; line.remove(0, end + 1)) {
                 expected += repliesFor(line.left(end));
-                if (!writeAll(server, line.constData(), end + 1))
-                    inputOpen = false;
+                pending.append(line.constData(), end + 1);
             }
         }
     }

@@ -175,7 +175,8 @@ QString clerk::readBackWritten(RegisterImages* map, const std::vector<int>& addr
     emit percent_up(45);
     const int count = int(addresses.size());
     std::vector<quint8> list = link->blockList(addresses);
-    if (!link->readBlock(count, list.data()))
+    // Nothing written, nothing to read back.
+    if (count > 0 && !link->readBlock(count, list.data()))
         return interfaceError() + QLatin1Char('\n') + QStringLiteral("the registers were written; the read-back failed");
     const int size = link->addressBytes + 1;
     const quint64 changes = link->chipChanges();

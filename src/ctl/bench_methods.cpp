@@ -408,7 +408,26 @@ void BenchMethods::set(const QJsonObject& params, const RpcReply& reply)
         settings.writePauseMs = 0;
         // The read, the write and the read-back go to one board.
         auto hold = std::make_shared<BoardHold>(bench.link());
-        const bool known = chipAsShown();
+        // The reply once the fields are written and read back: each field's
+        // code compared with the one asked for.
+        auto answer = [=](const QJsonArray& written) {
+            QJsonObject result = report(bench.model(), fields);
+            result.insert(QStringLiteral("written"), written);
+            QStringList differing;
+            for (int i = 0; i < fields.size(); ++i) {
+                const CtlField f(bench.model(), fields.at(i));
+                if (f.code() != codes.at(i))
+                    differing.append(QStringLiteral("%1 reads back %2 after %3 was written")
+                                         .arg(f.name())
+                                         .arg(f.code())
+                                         .arg(codes.at(i)));
+            }
+            if (differing.isEmpty())
+                return reply.result(result);
+            reply.error(RpcCode::ReadBackDiffers, differing.join(QStringLiteral("; ")), result);
+        };
+        if (chipAsShown())
+            return bench.step([=] { writeShown(setCodes, answer, reply); });
         auto write = [=] {
             setCodes();
             const QJsonArray written = changedRegisters(bench.model().images());
@@ -419,24 +438,10 @@ void BenchMethods::set(const QJsonObject& params, const RpcReply& reply)
                     error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}, {QStringLiteral("uncertain"), written}};
                     return reply.error(error);
                 }
-                QJsonObject result = report(bench.model(), fields);
-                result.insert(QStringLiteral("written"), written);
-                QStringList differing;
-                for (int i = 0; i < fields.size(); ++i) {
-                    const CtlField f(bench.model(), fields.at(i));
-                    if (f.code() != codes.at(i))
-                        differing.append(QStringLiteral("%1 reads back %2 after %3 was written")
-                                             .arg(f.name())
-                                             .arg(f.code())
-                                             .arg(codes.at(i)));
-                }
-                if (differing.isEmpty())
-                    return reply.result(result);
-                reply.error(RpcCode::ReadBackDiffers, differing.join(QStringLiteral("; ")), result);
+                answer(written);
             });
         };
-        if (known)
-            return write();
+
         bench.run(clerk::Command::ChipToGui, QString(), settings, [=](const QString& failure, bool stopped) {
             if (!failure.isEmpty() || stopped) {
                 RpcError error = boardError(failure.isEmpty() ? QStringLiteral("the chip was read, nothing was written")
@@ -448,6 +453,47 @@ void BenchMethods::set(const QJsonObject& params, const RpcReply& reply)
             write();
         });
     });
+}
+
+// A field write to a chip that holds what the forms show: one step with no
+// operation of the worker, so no identity read either (the read that made
+// the chip known had it): the registers that the fields' rules changed go in
+// block frames and are read back, and the forms show what came back.
+void BenchMethods::writeShown(const std::function<void()>& setCodes,
+                              const std::function<void(const QJsonArray&)>& answer, const RpcReply& reply)
+{
+    usb_link& link = bench.link();
+    const BoardHold hold(link);
+    FormModel& model = bench.model();
+    RegisterImages& map = model.images();
+    setCodes();
+    const QJsonArray written = changedRegisters(map);
+    std::vector<int> addresses;
+    std::vector<quint8> values;
+    for (const QJsonValue& r : written) {
+        addresses.push_back(r.toInt());
+        values.push_back(map.guiImage[r.toInt()]);
+    }
+    const int count = int(addresses.size());
+    std::vector<quint8> list = link.blockList(addresses, values.data());
+    if (count > 0 && !link.writeBlock(count, list.data())) {
+        RpcError error = boardError(QStringLiteral("the fields could not be written"), false);
+        error.data = QJsonObject{{QStringLiteral("written"), QJsonArray()}, {QStringLiteral("uncertain"), written}};
+        return reply.error(error);
+    }
+    list = link.blockList(addresses);
+    if (count > 0 && !link.readBlock(count, list.data())) {
+        RpcError error = boardError(QStringLiteral("the fields were written, but could not be read back"), false);
+        error.data = QJsonObject{{QStringLiteral("written"), written}};
+        return reply.error(error);
+    }
+    const size_t size = link.addressBytes + 1u;
+    for (size_t i = 0; i < values.size(); ++i)
+        values[i] = list[i * size + size - 1];
+    if (map.takeReadBack(addresses, values.data()))
+        model.push(map.guiImage); // the forms show what the chip holds
+    map.knownChanges = link.chipChanges();
+    answer(written);
 }
 
 // The chip holds what the forms show, with no need to read it: the board

@@ -38,6 +38,8 @@ private:
     void get(const QJsonObject& params, const RpcReply& reply);
     void set(const QJsonObject& params, const RpcReply& reply);
     bool chipAsShown();
+    void writeShown(const std::function<void()>& setCodes, const std::function<void(const QJsonArray&)>& answer,
+                    const RpcReply& reply);
     void load(const QJsonObject& params, const RpcReply& reply);
     void save(const QJsonObject& params, const RpcReply& reply);
 

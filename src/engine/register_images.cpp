@@ -102,3 +102,14 @@ void RegisterImages::dropOld(int index)
     if (listener)
         listener->dropOld(index);
 }
+
+bool RegisterImages::takeReadBack(const std::vector<int>& registers, const quint8* values)
+{
+    bool differs = false;
+    for (size_t i = 0; i < registers.size(); ++i) {
+        const size_t r = size_t(registers[i]);
+        differs = differs || guiImage[r] != values[i];
+        icImage[r] = guiImage[r] = values[i];
+    }
+    return differs;
+}

@@ -55,6 +55,9 @@ public:
     // stayed open, the chip holds icImage in every register it does not
     // write itself.
     quint64 knownChanges = 0;
+    // What the chip gave back for these registers after a write of them,
+    // into both images; true when one of them is not what the forms held.
+    bool takeReadBack(const std::vector<int>& registers, const quint8* values);
 
     static int getBit(const quint8* image, qint32 position);
     static void setBit(quint8* image, qint32 position, int value);

@@ -179,15 +179,13 @@ QString clerk::readBackWritten(RegisterImages* map, const std::vector<int>& addr
     if (count > 0 && !link->readBlock(count, list.data()))
         return interfaceError() + QLatin1Char('\n') + QStringLiteral("the registers were written; the read-back failed");
     const int size = link->addressBytes + 1;
+    std::vector<quint8> values(static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i)
+        values[size_t(i)] = list[size_t(i * size + size - 1)];
     const quint64 changes = link->chipChanges();
     bool differs = false;
     onGuiThread([&] {
-        for (int i = 0; i < count; ++i) {
-            const quint8 value = list[size_t(i * size + size - 1)];
-            const size_t r = size_t(addresses[size_t(i)]);
-            differs = differs || map->guiImage[r] != value;
-            map->icImage[r] = map->guiImage[r] = value;
-        }
+        differs = map->takeReadBack(addresses, values.data());
         map->knownChanges = changes;
     });
     registersRead = count;
